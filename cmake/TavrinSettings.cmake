@@ -1,0 +1,47 @@
+# What every target of the project is built with, and where its products land.
+
+option(TAVRIN_WARNINGS_AS_ERRORS "Treat compiler warnings as errors" OFF)
+set(TAVRIN_SANITIZERS "" CACHE STRING "Sanitizers as -fsanitize= takes them; empty for none")
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+
+if(NOT CMAKE_BUILD_TYPE)
+  set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+# The build tree is laid out as the installed tree is, so that a program finds its resources by the
+# same relative path in both.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR}")
+set(TAVRIN_MODULE_DIR "${CMAKE_INSTALL_LIBDIR}/tavrin")
+set(TAVRIN_RESOURCE_DIR "${CMAKE_INSTALL_DATADIR}/tavrin")
+
+# The identity of the product stands here once and reaches the code through Identity.h.
+set(TAVRIN_APPLICATION_ID "app.tavrin.Tavrin")
+set(TAVRIN_DISPLAY_NAME "Tavrin")
+set(TAVRIN_GROUP_IDENTIFIER "TAVRIN0001.group.app.tavrin.Tavrin")
+
+find_program(TAVRIN_CCACHE ccache)
+if(TAVRIN_CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER "${TAVRIN_CCACHE}")
+endif()
+
+add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual
+                    -Wconversion -Wsign-conversion -Wformat=2 -Wundef)
+if(TAVRIN_WARNINGS_AS_ERRORS)
+  add_compile_options(-Werror)
+endif()
+if(TAVRIN_SANITIZERS)
+  add_compile_options(-fsanitize=${TAVRIN_SANITIZERS} -fno-sanitize-recover=all)
+  add_link_options(-fsanitize=${TAVRIN_SANITIZERS})
+endif()
+add_compile_definitions($<$<CONFIG:Debug>:_GLIBCXX_ASSERTIONS>)
+if(NOT TAVRIN_SANITIZERS)
+  add_compile_options(-fstack-protector-strong)
+  add_compile_definitions($<$<CONFIG:Release>:_FORTIFY_SOURCE=2>)
+  add_link_options(-Wl,-z,relro,-z,now -Wl,--as-needed)
+endif()

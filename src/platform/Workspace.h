@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/UserDefaults.h"
+
+namespace tavrin {
+
+/// The desktop around the program, as NSWorkspace. Used on the main thread.
+class Workspace {
+ public:
+  virtual ~Workspace() = default;
+
+  /// Opens a window of the file viewer that shows the folder `rootPath` (absolute). Returns at
+  /// once; that no file viewer answers reaches the log.
+  virtual void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) = 0;
+
+  /// Launches the program or bundle at a path. True when it was started. May be called on any
+  /// thread.
+  virtual bool launchApplication(const std::string& path) = 0;
+
+  /// Calls `willSleep` when the system is about to sleep.
+  [[nodiscard]] virtual Observation observeWillSleep(std::function<void()> willSleep) = 0;
+};
+
+}  // namespace tavrin

@@ -1,0 +1,25 @@
+#include "platform/linux/FileDescriptor.h"
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace tavrin {
+
+FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
+  if (this != &other) {
+    reset();
+    descriptor_ = other.release();
+  }
+  return *this;
+}
+
+int FileDescriptor::release() {
+  return std::exchange(descriptor_, -1);
+}
+
+void FileDescriptor::reset() {
+  if (descriptor_ >= 0) ::close(release());
+}
+
+}  // namespace tavrin

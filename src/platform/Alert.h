@@ -3,6 +3,8 @@
 #include <memory>
 #include <string>
 
+#include "platform/Window.h"
+
 namespace tavrin {
 
 /// A message that waits for a button, as NSAlert. Used on the main thread.
@@ -26,6 +28,10 @@ class Alert {
   /// Shows the alert and returns the code of the button pressed: 1000 plus its index. Closing the
   /// alert's window counts as its "Cancel" button, or as the last one when there is none.
   virtual int runModal() = 0;
+
+  /// As runModal, shown as a sheet of `window`; nullptr takes the program's main window, and without
+  /// one the alert stands on its own.
+  virtual int runModalAsSheet(Window* window) = 0;
 };
 
 /// Makes alerts.

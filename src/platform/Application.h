@@ -30,6 +30,7 @@ class Application {
 
   /// `delegate` outlives the application's run.
   virtual void setDelegate(ApplicationDelegate* delegate) = 0;
+  virtual ApplicationDelegate* delegate() const = 0;
 
   /// Runs the event loop until the program ends: calls applicationWillFinishLaunching, then
   /// applicationDidFinishLaunching, then delivers events. Returns the exit status.

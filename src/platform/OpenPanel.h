@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "foundation/FileURL.h"
+#include "platform/Window.h"
 
 namespace tavrin {
 
@@ -48,9 +49,10 @@ class OpenPanel {
   /// picks the folder that the panel shows, where folders can be chosen and the delegate allows it.
   virtual Response runModal() = 0;
 
-  /// Shows the panel, on its own, and returns at once; `completion` is called when it ends. The
-  /// panel keeps itself alive until then.
-  virtual void begin(std::function<void(Response)> completion) = 0;
+  /// Shows the panel for `window`, or on its own with nullptr, and returns at once; `completion` is
+  /// called when it ends and destroyed after it. The panel keeps itself alive until then.
+  virtual void beginSheetModalForWindow(Window* window,
+                                        std::function<void(Response)> completion) = 0;
 
   /// What was picked; empty before the end and after Cancel.
   virtual std::vector<FileURL> urls() const = 0;

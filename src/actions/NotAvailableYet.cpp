@@ -1,0 +1,60 @@
+#include "app/AppDelegate.h"
+
+namespace tavrin {
+
+void AppDelegate::notAvailableYet() {
+  platform_.log.write("not available yet: " + actionInHand_);
+}
+
+void AppDelegate::createNewFile(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::customIcon(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::cutSelectedFiles(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::pasteSelectedFiles(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::hiddenSelectedFiles(const ActionRequest& /*request*/, IsHidden /*isHidden*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::hiddenAllFilesInPath(const ActionRequest& /*request*/, IsHidden /*isHidden*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::deleteDirectlySelectedFiles(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::openIn(const std::optional<std::string>& /*path*/,
+                         const std::string& /*appName*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::openFile(const std::optional<std::string>& /*file*/,
+                           const std::optional<std::string>& /*path*/,
+                           const std::string& /*appName*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::pinbySnapvane(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::imageToIconSetForMac(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+void AppDelegate::imageToIconSetForiOS(const ActionRequest& /*request*/) {
+  notAvailableYet();
+}
+
+}  // namespace tavrin

@@ -1,0 +1,84 @@
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "app/ActionInHand.h"
+#include "app/AppDelegate.h"
+#include "foundation/PathString.h"
+#include "sandbox/NSPanels.h"
+
+namespace tavrin {
+
+namespace {
+
+/// The pieces of a selection; an absent one has none. They point into `selection`.
+std::vector<std::string_view> piecesOf(const std::optional<std::string>& selection) {
+  return selection ? splitFileList(*selection) : std::vector<std::string_view>();
+}
+
+}  // namespace
+
+void AppDelegate::sendItem(const std::string& sourcePath, const std::string& destinationFolder,
+                           IsCopy isCopy) {
+  const std::string destination =
+      uniquePathForPath(appendingPathComponent(destinationFolder, lastPathComponent(sourcePath)),
+                        [this](const std::string& path) { return itemExists(path); });
+  FileManager& fileManager = platform_.fileManager;
+  const Status sent = isCopy == IsCopy::Yes ? fileManager.copyItemAtPath(sourcePath, destination)
+                                            : fileManager.moveItemAtPath(sourcePath, destination);
+  if (!sent) return logFailure(sent.error().describe());
+  ++successCounter_;
+}
+
+void AppDelegate::accessParentOfItem(std::string_view urlString,
+                                     const std::function<void(const std::string& path)>& work) {
+  const auto url = FileURL::urlWithString(urlString);
+  if (!url) return logFailure("no file URL: " + std::string(urlString));
+  const std::string& path = url->path();
+  const bool granted = fileAccess_->accessFilePath(deletingLastPathComponent(path),
+                                                   PersistPermission::Yes, [&] { work(path); });
+  if (!granted) logFailure("no access to the folder of " + path);
+}
+
+void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
+  const auto selection = request.stringForKey(request_key::selectedFilesUrl);
+  const auto toPath = request.stringForKey(request_key::toPath);
+  const auto items = piecesOf(selection);
+  if (!toPath && !items.empty()) logFailure("no destination given");
+  const std::string folder = expandingHome(toPath.value_or(""), homePath());
+
+  successCounter_ = 0;
+  for (const std::string_view item : items) {
+    if (!toPath) break;
+    accessParentOfItem(item, [&](const std::string& source) {
+      const bool granted = fileAccess_->accessFilePath(folder, PersistPermission::Yes,
+                                                       [&] { sendItem(source, folder, isCopy); });
+      if (!granted) logFailure("no access to " + folder);
+    });
+  }
+  playResultSound(items.size());
+}
+
+void AppDelegate::sendFilesToCustom(const ActionRequest& request, IsCopy isCopy) {
+  // The panel outlives this call; requests behind this one wait for its end.
+  NSPanels::openNSOpenPanelAtWindow(
+      platform_.panels, platform_.bundle, nullptr, "", AllowsMultipleSelection::No,
+      CanChooseFiles::No,
+      [this, isCopy, selection = request.stringForKey(request_key::selectedFilesUrl),
+       action = actionInHand_, hold = requests_.hold()](const std::vector<FileURL>& urls) {
+        if (urls.empty()) return;
+        const ActionInHand inHand(actionInHand_, action);
+        sendItemsToChosenFolder(piecesOf(selection), urls.front().path(), isCopy);
+      });
+}
+
+void AppDelegate::sendItemsToChosenFolder(const std::vector<std::string_view>& items,
+                                          const std::string& folder, IsCopy isCopy) {
+  successCounter_ = 0;
+  for (const std::string_view item : items) {
+    accessParentOfItem(item, [&](const std::string& source) { sendItem(source, folder, isCopy); });
+  }
+  playResultSound(items.size());
+}
+
+}  // namespace tavrin

@@ -1,0 +1,195 @@
+#include "app/AppDelegate.h"
+
+#include <utility>
+
+#include "foundation/PathString.h"
+#include "sandbox/AppSandboxFileAccessPersist.h"
+#include "settings/SettingsKeys.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr double launchDelaySeconds = 0.4;
+
+constexpr const char* accessMessage =
+    "\n1. %@ does not have permission to read and write this folder. please click "
+    "\"Authorization\". \n2. It is recommended that the authority root directory, no authorization "
+    "needed in the future.\n";
+constexpr const char* authorizeRootMessage =
+    "\nPlease click \"Authorization\". no authorization needed in the future.\n";
+
+constexpr const char* appearanceChanged = "AppleInterfaceThemeChangedNotification";
+constexpr const char* exitService = "ExitService";
+constexpr const char* textServiceBundle = "TavrinService Pro.service";
+
+std::unique_ptr<Sound> soundResource(Platform& platform, const std::string& name) {
+  const auto path = platform.bundle.pathForResource(name, "aiff");
+  auto sound = path ? platform.sounds.soundWithContentsOfFile(*path) : nullptr;
+  if (sound) sound->setVolume(1.0F);
+  return sound;
+}
+
+}  // namespace
+
+AppDelegate::AppDelegate(Platform& platform, const DefaultSettings& defaultSettings,
+                         PreferencesWindowFactory makePreferencesWindow)
+    : platform_(platform),
+      defaultSettings_(defaultSettings),
+      makePreferencesWindow_(std::move(makePreferencesWindow)),
+      sharedSuite_(platform.userDefaults.suite(platform.bundle.groupIdentifier())),
+      successSound_(soundResource(platform, "Volume Mount")),
+      failureSound_(soundResource(platform, "Funk")),
+      trashSound_(soundResource(platform, "empty trash")),
+      standardUserDefaults_(platform.userDefaults.standardUserDefaults()),
+      fileAccess_(AppSandboxFileAccess::fileAccessWithMessage(
+          platform, *standardUserDefaults_, platform.bundle.localizedString(accessMessage))),
+      workingLists_(*standardUserDefaults_),
+      requests_(platform.mainLoop, platform.log,
+                [this](const std::string& fileName) { applicationOpenFile(fileName); }) {}
+
+AppDelegate::~AppDelegate() = default;
+
+void AppDelegate::applicationWillFinishLaunching() {
+  observations_.push_back(platform_.distributedNotifications.addObserver(
+      appearanceChanged, [this] { darkModeChanged(); }));
+  observations_.push_back(standardUserDefaults_->observe(
+      settings_key::hiddenIconInStatusBar,
+      [this](const std::optional<PropertyList>&) { updateStatusBarItem(); }));
+  platform_.mainLoop.performAfterDelay(launchDelaySeconds, [this] { delayedAfterLaunch(); });
+  platform_.application.activateIgnoringOtherApps();
+  updateStatusBarItem();
+}
+
+void AppDelegate::applicationDidFinishLaunching() {
+  observations_.push_back(
+      platform_.workspace.observeWillSleep([this] { receiveSleepNotification(); }));
+}
+
+void AppDelegate::applicationOpen(const std::string& fileName) {
+  requests_.add(fileName);
+}
+
+bool AppDelegate::applicationShouldHandleReopen(bool /*hasVisibleWindows*/) {
+  openPreferences();
+  return true;
+}
+
+bool AppDelegate::applicationShouldTerminateAfterLastWindowClosed() {
+  return false;
+}
+
+void AppDelegate::applicationWillTerminate() {
+  for (const std::string& fileName : requests_.takeAll()) {
+    platform_.log.write("the program ends before the request " + fileName);
+  }
+  platform_.distributedNotifications.postNotificationName(exitService);
+}
+
+void AppDelegate::delayedAfterLaunch() {
+  if (!isPreferencesWindowVisible() && !opened_) openPreferences();
+  loadSettingsController();
+}
+
+void AppDelegate::receiveSleepNotification() {
+  platform_.application.exitImmediately(0);
+}
+
+void AppDelegate::openPreferences() {
+  preferencesWindow().makeKeyAndOrderFront();
+  platform_.application.activateIgnoringOtherApps();
+  const std::string textService =
+      appendingPathComponent(platform_.bundle.builtInPlugInsPath(), textServiceBundle);
+  platform_.mainLoop.runInBackground([&workspace = platform_.workspace, textService] {
+    workspace.launchApplication(textService);
+  });
+}
+
+PreferencesWindow& AppDelegate::preferencesWindow() {
+  if (prefswindow_) return *prefswindow_;
+  loadSettingsController();
+  settingsController_->removeFromLoginItemsIfListed();
+  prefswindow_ = makePreferencesWindow_();
+  prefswindow_->setMovableByWindowBackground(true);
+  prefswindow_->setAuthorizeRootButtonState(isRootAuthorized());
+  prefswindow_->setAuthorizeRootButtonAction([this] { authorizeRootButtonClick(); });
+  darkModeChanged();
+  return *prefswindow_;
+}
+
+bool AppDelegate::isPreferencesWindowVisible() const {
+  return prefswindow_ && prefswindow_->isVisible();
+}
+
+void AppDelegate::loadSettingsController() {
+  if (settingsController_) return;
+  settingsController_ = std::make_unique<SettingsController>(platform_, *standardUserDefaults_,
+                                                             workingLists_, defaultSettings_);
+  settingsController_->viewDidLoad();
+}
+
+bool AppDelegate::isRootAuthorized() const {
+  const auto bookmarks =
+      standardUserDefaults_->dictionaryForKey(AppSandboxFileAccessPersist::cachedBookmarksKey);
+  return !bookmarks.empty() && bookmarks.begin()->first == "/";
+}
+
+void AppDelegate::updateStatusBarItem() {
+  const bool hidden = standardUserDefaults_->boolForKey(settings_key::hiddenIconInStatusBar);
+  if (!hidden && !statusItem_) statusItem_ = makeStatusItem();
+  if (statusItem_) statusItem_->setVisible(!hidden);
+}
+
+std::unique_ptr<StatusItem> AppDelegate::makeStatusItem() {
+  auto item = platform_.statusBar.statusItem();
+  item->setTemplateImageNamed("menuIcon");
+  const Bundle& bundle = platform_.bundle;
+  item->setMenu(
+      {{bundle.localizedString("Preferences…"), [this] { openPreferences(); }},
+       {"", {}},
+       {bundle.localizedString("Quit Tavrin"), [this] { platform_.application.terminate(); }}});
+  return item;
+}
+
+void AppDelegate::darkModeChanged() {
+  if (!prefswindow_) return;
+  const bool dark = platform_.capabilities.hasDarkAppearance() &&
+                    standardUserDefaults_->stringForKey("AppleInterfaceStyle").has_value();
+  if (dark) {
+    prefswindow_->setBackgroundColor(0.11, 0.12, 0.13);
+  } else {
+    prefswindow_->setBackgroundColor(1, 1, 1);
+  }
+}
+
+void AppDelegate::authorizeRootButtonClick() {
+  if (!preferencesWindow().authorizeRootButtonState()) {
+    standardUserDefaults_->removeObjectForKey(AppSandboxFileAccessPersist::cachedBookmarksKey);
+    standardUserDefaults_->synchronize();
+    return;
+  }
+  const auto access = AppSandboxFileAccess::fileAccessWithMessage(
+      platform_, *standardUserDefaults_, platform_.bundle.localizedString(authorizeRootMessage));
+  if (!access->accessFilePath("/", PersistPermission::Yes, [] {})) {
+    preferencesWindow().setAuthorizeRootButtonState(false);
+  }
+}
+
+std::string AppDelegate::homePath() const {
+  return realHomePath(platform_.bundle.account());
+}
+
+bool AppDelegate::itemExists(const std::string& path) const {
+  return platform_.fileManager.fileExistsAtPath(path);
+}
+
+void AppDelegate::logFailure(const std::string& reason) const {
+  platform_.log.write(actionInHand_ + ": " + reason);
+}
+
+void AppDelegate::playResultSound(std::size_t itemCount) {
+  const bool allDone = itemCount == static_cast<std::size_t>(successCounter_);
+  if (const auto& sound = allDone ? successSound_ : failureSound_) sound->play();
+}
+
+}  // namespace tavrin

@@ -1,0 +1,141 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/ActionRequest.h"
+#include "app/RequestQueue.h"
+#include "platform/Platform.h"
+#include "sandbox/AppSandboxFileAccess.h"
+#include "settings/DefaultSettings.h"
+#include "settings/PreferencesWindow.h"
+#include "settings/SettingsController.h"
+#include "settings/WorkingLists.h"
+
+namespace tavrin {
+
+enum class IsCopy { No, Yes };
+enum class IsHidden { No, Yes };
+
+/// The host's one long-lived object: it owns what every command shares, leads the program from its
+/// launch to its end, and carries out requests. Each command is a method named after its action,
+/// defined in src/actions. Used on the main thread.
+class AppDelegate final : public ApplicationDelegate {
+ public:
+  /// Builds the objects that the commands share. `platform` outlives this object; the window is
+  /// made by `makePreferencesWindow` when it is first needed, so that a start that serves a request
+  /// does not pay for it.
+  AppDelegate(Platform& platform, const DefaultSettings& defaultSettings,
+              PreferencesWindowFactory makePreferencesWindow);
+  ~AppDelegate() override;
+  AppDelegate(const AppDelegate&) = delete;
+  AppDelegate& operator=(const AppDelegate&) = delete;
+
+  void applicationWillFinishLaunching() override;
+  void applicationDidFinishLaunching() override;
+  /// Puts the file in the line of requests.
+  void applicationOpen(const std::string& fileName) override;
+  bool applicationShouldHandleReopen(bool hasVisibleWindows) override;
+  bool applicationShouldTerminateAfterLastWindowClosed() override;
+  void applicationWillTerminate() override;
+
+  /// Carries out one request file (an absolute path) to its end. A file that cannot be read, is no
+  /// request, or names no known action does nothing, with a line in the log for the first two. The
+  /// file stays where it is. Always true.
+  bool applicationOpenFile(const std::string& fileName);
+
+  /// True once a request file has been received: such a launch shows no window.
+  bool opened() const { return opened_; }
+
+  /// Shows, creates or hides the status item as the setting "hiddenIconInStatusBar" says.
+  void updateStatusBarItem();
+  /// Shows the preferences window and starts the text service.
+  void openPreferences();
+  /// Shows the preferences window unless a request came in.
+  void delayedAfterLaunch();
+  /// Ends the process at once: the host never survives a sleep.
+  void receiveSleepNotification();
+  /// Gives the preferences window the background of the system's appearance.
+  void darkModeChanged();
+  /// Authorises the whole disk, or forgets every grant, after the check box has changed.
+  void authorizeRootButtonClick();
+
+  // The commands, in src/actions. A request's missing key reads as no value.
+  void createNewFile(const ActionRequest& request);
+  void sendFilesTo(const ActionRequest& request, IsCopy isCopy);
+  void sendFilesToCustom(const ActionRequest& request, IsCopy isCopy);
+  void customIcon(const ActionRequest& request);
+  void openCommonPath(const ActionRequest& request);
+  void cutSelectedFiles(const ActionRequest& request);
+  void pasteSelectedFiles(const ActionRequest& request);
+  void hiddenSelectedFiles(const ActionRequest& request, IsHidden isHidden);
+  void hiddenAllFilesInPath(const ActionRequest& request, IsHidden isHidden);
+  void deleteDirectlySelectedFiles(const ActionRequest& request);
+  /// Opens a folder, a path, in the application of the given name.
+  void openIn(const std::optional<std::string>& path, const std::string& appName);
+  /// Opens a file of a folder, both paths, in the application of the given name.
+  void openFile(const std::optional<std::string>& file, const std::optional<std::string>& path,
+                const std::string& appName);
+  void pinbySnapvane(const ActionRequest& request);
+  void imageToIconSetForMac(const ActionRequest& request);
+  void imageToIconSetForiOS(const ActionRequest& request);
+
+  /// The name of the installed code editor: "Visual Studio Code" where it is installed, else that
+  /// of its Insiders build, installed or not.
+  std::string codeEditorName() const;
+
+ private:
+  std::optional<ActionRequest> readRequest(const std::string& fileName) const;
+  void notAvailableYet();
+
+  PreferencesWindow& preferencesWindow();
+  bool isPreferencesWindowVisible() const;
+  void loadSettingsController();
+  bool isRootAuthorized() const;
+  std::unique_ptr<StatusItem> makeStatusItem();
+
+  // What the commands share with each other (src/actions).
+  std::string homePath() const;
+  bool itemExists(const std::string& path) const;
+  /// One line that names the action in hand.
+  void logFailure(const std::string& reason) const;
+  void sendItem(const std::string& sourcePath, const std::string& destinationFolder, IsCopy isCopy);
+  void sendItemsToChosenFolder(const std::vector<std::string_view>& items,
+                               const std::string& folder, IsCopy isCopy);
+  /// Runs `work` with the path of a selected item inside a grant of its parent folder. Without an
+  /// item or a grant only the log hears of it.
+  void accessParentOfItem(std::string_view urlString,
+                          const std::function<void(const std::string& path)>& work);
+  void playResultSound(std::size_t itemCount);
+
+  Platform& platform_;
+  const DefaultSettings& defaultSettings_;
+  PreferencesWindowFactory makePreferencesWindow_;
+
+  std::unique_ptr<UserDefaults> sharedSuite_;
+  std::unique_ptr<Sound> successSound_;
+  std::unique_ptr<Sound> failureSound_;
+  std::unique_ptr<Sound> trashSound_;
+  bool opened_ = false;
+  std::unique_ptr<UserDefaults> standardUserDefaults_;
+  std::unique_ptr<AppSandboxFileAccess> fileAccess_;
+  WorkingLists workingLists_;
+
+  std::unique_ptr<PreferencesWindow> prefswindow_;
+  std::unique_ptr<SettingsController> settingsController_;
+  std::unique_ptr<StatusItem> statusItem_;
+
+  std::string actionInHand_;
+  /// Items that a multi-item command has done; equal to the item count means success.
+  std::int32_t successCounter_ = 0;
+
+  RequestQueue requests_;
+  std::vector<Observation> observations_;
+};
+
+}  // namespace tavrin

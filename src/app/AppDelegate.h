@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "app/ActionRequest.h"
-#include "app/RequestQueue.h"
+#include "app/RequestLine.h"
 #include "platform/Platform.h"
 #include "sandbox/AppSandboxFileAccess.h"
 #include "settings/DefaultSettings.h"
@@ -134,7 +134,7 @@ class AppDelegate final : public ApplicationDelegate {
   /// Items that a multi-item command has done; equal to the item count means success.
   std::int32_t successCounter_ = 0;
 
-  RequestQueue requests_;
+  RequestLine requests_;
   std::vector<Observation> observations_;
 };
 

@@ -1,11 +1,11 @@
-#include "app/RequestQueue.h"
+#include "app/RequestLine.h"
 
 #include <exception>
 #include <utility>
 
 namespace tavrin {
 
-struct RequestQueue::State {
+struct RequestLine::State {
   MainLoop& mainLoop;
   Log& log;
   Handler handler;
@@ -16,20 +16,20 @@ struct RequestQueue::State {
   bool mayGoOn() const { return !handling && hold.expired(); }
 };
 
-RequestQueue::RequestQueue(MainLoop& mainLoop, Log& log, Handler handler)
+RequestLine::RequestLine(MainLoop& mainLoop, Log& log, Handler handler)
     : state_(std::make_shared<State>(State{mainLoop, log, std::move(handler), {}, false, {}})) {}
 
-RequestQueue::~RequestQueue() {
-  // A hold may outlive the queue; what it wakes must find nothing to do.
+RequestLine::~RequestLine() {
+  // A hold may outlive the line; what it wakes must find nothing to do.
   state_->waiting.clear();
 }
 
-void RequestQueue::add(std::string fileName) {
+void RequestLine::add(std::string fileName) {
   state_->waiting.push_back(std::move(fileName));
   schedule(state_);
 }
 
-RequestQueue::Hold RequestQueue::hold() {
+RequestLine::Hold RequestLine::hold() {
   if (Hold running = state_->hold.lock()) return running;
   Hold made(new char, [state = std::weak_ptr<State>(state_)](void* token) {
     delete static_cast<char*>(token);
@@ -39,19 +39,19 @@ RequestQueue::Hold RequestQueue::hold() {
   return made;
 }
 
-bool RequestQueue::isBusy() const {
+bool RequestLine::isBusy() const {
   return !state_->waiting.empty() || !state_->mayGoOn();
 }
 
-std::deque<std::string> RequestQueue::takeAll() {
+std::deque<std::string> RequestLine::takeAll() {
   return std::exchange(state_->waiting, {});
 }
 
-void RequestQueue::schedule(const std::shared_ptr<State>& state) {
+void RequestLine::schedule(const std::shared_ptr<State>& state) {
   state->mainLoop.async([state] { handleNext(state); });
 }
 
-void RequestQueue::handleNext(const std::shared_ptr<State>& state) {
+void RequestLine::handleNext(const std::shared_ptr<State>& state) {
   if (!state->mayGoOn() || state->waiting.empty()) return;
   const std::string fileName = std::move(state->waiting.front());
   state->waiting.pop_front();

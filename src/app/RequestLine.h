@@ -13,7 +13,7 @@ namespace tavrin {
 /// The line in which request files wait: one is handled at a time, each to its end, in the order of
 /// arrival, also when they arrive while a modal panel of an earlier one is up. Used on the main
 /// thread.
-class RequestQueue {
+class RequestLine {
  public:
   /// Handles one request file, an absolute path. An exception it throws is logged and ends only
   /// that request.
@@ -22,11 +22,11 @@ class RequestQueue {
   /// Keeps the line waiting while it lives.
   using Hold = std::shared_ptr<void>;
 
-  /// `mainLoop` and `log` outlive the queue and the loop's last turn.
-  RequestQueue(MainLoop& mainLoop, Log& log, Handler handler);
-  ~RequestQueue();
-  RequestQueue(const RequestQueue&) = delete;
-  RequestQueue& operator=(const RequestQueue&) = delete;
+  /// `mainLoop` and `log` outlive the line and the loop's last turn.
+  RequestLine(MainLoop& mainLoop, Log& log, Handler handler);
+  ~RequestLine();
+  RequestLine(const RequestLine&) = delete;
+  RequestLine& operator=(const RequestLine&) = delete;
 
   /// Puts a request file at the end of the line. It is handled in a later turn of the main loop.
   void add(std::string fileName);

@@ -1,0 +1,39 @@
+#include "settings/DefaultSettings.h"
+
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+constexpr const char* resourceName = "DefaultPreferences";
+constexpr const char* resourceType = "plist";
+
+DefaultSettings noDefaults(Log& log, const std::string& reason) {
+  log.write("there are no default settings: " + reason);
+  return {};
+}
+
+}  // namespace
+
+DefaultSettings::DefaultSettings(PropertyList::Dictionary values) : values_(std::move(values)) {}
+
+DefaultSettings DefaultSettings::loadedFromBundle(const Bundle& bundle,
+                                                  PropertyListSerialization& propertyLists,
+                                                  Log& log) {
+  const auto path = bundle.pathForResource(resourceName, resourceType);
+  if (!path) return noDefaults(log, "the program has no such resource");
+  auto contents = propertyLists.propertyListWithContentsOfFile(*path);
+  if (!contents) return noDefaults(log, contents.error().describe());
+  auto* values = contents.value().dictionaryIfDictionary();
+  if (values == nullptr) return noDefaults(log, *path + " is no dictionary");
+  return DefaultSettings(std::move(*values));
+}
+
+PropertyList::Array DefaultSettings::arrayForKey(const std::string& key) const {
+  const auto entry = values_.find(key);
+  const auto* array = entry == values_.end() ? nullptr : entry->second.arrayIfArray();
+  return array == nullptr ? PropertyList::Array() : *array;
+}
+
+}  // namespace tavrin

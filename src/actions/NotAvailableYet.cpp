@@ -3,7 +3,7 @@
 namespace tavrin {
 
 void AppDelegate::notAvailableYet() {
-  platform_.log.write("not available yet: " + actionInHand_);
+  platform_.log.write("not available yet: " + actionInHand_->name());
 }
 
 void AppDelegate::createNewFile(const ActionRequest& /*request*/) {

@@ -2,7 +2,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/ActionInHand.h"
 #include "app/AppDelegate.h"
 #include "foundation/PathString.h"
 #include "sandbox/NSPanels.h"
@@ -65,9 +64,9 @@ void AppDelegate::sendFilesToCustom(const ActionRequest& request, IsCopy isCopy)
       platform_.panels, platform_.bundle, nullptr, "", AllowsMultipleSelection::No,
       CanChooseFiles::No,
       [this, isCopy, selection = request.stringForKey(request_key::selectedFilesUrl),
-       action = actionInHand_, hold = requests_.hold()](const std::vector<FileURL>& urls) {
+       action = actionInHand_->name(), hold = requests_.hold()](const std::vector<FileURL>& urls) {
         if (urls.empty()) return;
-        const ActionInHand inHand(actionInHand_, action);
+        const ActionInHand inHand(platform_.log, actionInHand_, action);
         sendItemsToChosenFolder(piecesOf(selection), urls.front().path(), isCopy);
       });
 }

@@ -2,7 +2,6 @@
 #include <string_view>
 #include <utility>
 
-#include "app/ActionInHand.h"
 #include "app/ActionNames.h"
 #include "app/AppDelegate.h"
 
@@ -97,7 +96,7 @@ bool AppDelegate::applicationOpenFile(const std::string& fileName) {
   const std::string action = request->stringForKey(request_key::action).value_or("");
   for (const DispatchRow& row : dispatchTable) {
     if (action != row.action) continue;
-    const ActionInHand inHand(actionInHand_, action);
+    const ActionInHand inHand(platform_.log, actionInHand_, action);
     row.handler(*this, *request);
     return true;
   }

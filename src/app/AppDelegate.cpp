@@ -183,8 +183,8 @@ bool AppDelegate::itemExists(const std::string& path) const {
   return platform_.fileManager.fileExistsAtPath(path);
 }
 
-void AppDelegate::logFailure(const std::string& reason) const {
-  platform_.log.write(actionInHand_ + ": " + reason);
+void AppDelegate::logFailure(const std::string& reason) {
+  actionInHand_->logFailure(reason);
 }
 
 void AppDelegate::playResultSound(std::size_t itemCount) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/ActionInHand.h"
 #include "app/ActionRequest.h"
 #include "app/RequestLine.h"
 #include "platform/Platform.h"
@@ -103,7 +104,7 @@ class AppDelegate final : public ApplicationDelegate {
   std::string homePath() const;
   bool itemExists(const std::string& path) const;
   /// One line that names the action in hand.
-  void logFailure(const std::string& reason) const;
+  void logFailure(const std::string& reason);
   void sendItem(const std::string& sourcePath, const std::string& destinationFolder, IsCopy isCopy);
   void sendItemsToChosenFolder(const std::vector<std::string_view>& items,
                                const std::string& folder, IsCopy isCopy);
@@ -130,7 +131,8 @@ class AppDelegate final : public ApplicationDelegate {
   std::unique_ptr<SettingsController> settingsController_;
   std::unique_ptr<StatusItem> statusItem_;
 
-  std::string actionInHand_;
+  /// The action that log lines name; nothing between requests.
+  ActionInHand* actionInHand_ = nullptr;
   /// Items that a multi-item command has done; equal to the item count means success.
   std::int32_t successCounter_ = 0;
 

@@ -1,0 +1,174 @@
+#pragma once
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "platform/Application.h"
+#include "platform/DistributedNotificationCenter.h"
+#include "platform/LaunchServices.h"
+#include "platform/OpenPanel.h"
+#include "platform/Sound.h"
+#include "platform/StatusItem.h"
+#include "platform/SystemCapabilities.h"
+#include "platform/Workspace.h"
+#include "settings/PreferencesWindow.h"
+
+/// Services of the desktop that remember what was asked of them.
+namespace tavrin {
+
+class FakeApplication final : public Application {
+ public:
+  /// Thrown in place of ending the process.
+  struct Exited {
+    int status;
+  };
+
+  void setDelegate(ApplicationDelegate* delegate) override { delegate_ = delegate; }
+  ApplicationDelegate* delegate() const override { return delegate_; }
+  int run() override { return 0; }
+  void activateIgnoringOtherApps() override { ++activations; }
+  void terminate() override { ++terminations; }
+  [[noreturn]] void exitImmediately(int status) override { throw Exited{status}; }
+
+  int activations = 0;
+  int terminations = 0;
+
+ private:
+  ApplicationDelegate* delegate_ = nullptr;
+};
+
+/// How a panel was set up, and what the user who is played does with it.
+struct PanelSettings {
+  std::optional<bool> canCreateDirectories, canChooseFiles, canChooseDirectories;
+  std::optional<bool> allowsMultipleSelection, showsHiddenFiles, extensionHidden;
+  std::string prompt, title, message, accessoryText;
+  std::optional<FileURL> directory;
+  const OpenSavePanelDelegate* delegate = nullptr;
+};
+
+class FakePanels final : public PanelProvider {
+ public:
+  /// What the user picks in the panel with these settings; nothing cancels. A pick that the rule
+  /// refuses, or that a panel of these settings cannot offer, is a test's mistake and cancels too.
+  using User = std::function<std::optional<std::string>(const PanelSettings& settings)>;
+
+  std::shared_ptr<OpenPanel> openPanel() override;
+
+  /// Answers each panel in turn; without one the panel is cancelled.
+  void answerWith(User user) { users_.push_back(std::move(user)); }
+  void answerWithPath(std::string path);
+  /// Ends the oldest panel that was begun and still stands.
+  void endBegunPanel();
+
+  /// The settings of every panel that was shown, in order.
+  std::vector<PanelSettings> shown;
+  /// What is told of a pick (it starts the scope).
+  std::function<void(const FileURL& picked)> grantPicked;
+
+ private:
+  class Panel;
+  std::optional<FileURL> answer(const PanelSettings& settings);
+
+  std::deque<User> users_;
+  std::deque<std::function<void()>> begun_;
+};
+
+class FakeSounds final : public SoundProvider {
+ public:
+  std::unique_ptr<Sound> soundWithContentsOfFile(const std::string& path) override;
+
+  /// The last path components of the sounds played, in order.
+  std::vector<std::string> played;
+};
+
+class FakeStatusBar final : public StatusBar {
+ public:
+  struct Item {
+    std::string image;
+    std::vector<MenuItem> menu;
+    bool visible = false;
+  };
+  std::unique_ptr<StatusItem> statusItem() override;
+
+  /// Every item that was made, in order.
+  std::vector<std::shared_ptr<Item>> items;
+};
+
+class FakeWorkspace final : public Workspace {
+ public:
+  void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override {
+    shownFolders.push_back(rootPath);
+  }
+  bool launchApplication(const std::string& path) override {
+    launched.push_back(path);
+    return true;
+  }
+  [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
+
+  std::vector<std::string> shownFolders;
+  std::vector<std::string> launched;
+  std::function<void()> sleep;
+};
+
+class FakeLaunchServices final : public LaunchServices {
+ public:
+  std::vector<std::string> applicationsForBundleIdentifier(
+      const std::string& bundleIdentifier) override {
+    return installed[bundleIdentifier];
+  }
+  std::map<std::string, std::vector<std::string>> installed;
+};
+
+class FakeDistributedNotifications final : public DistributedNotificationCenter {
+ public:
+  void postNotificationName(const std::string& name) override;
+  [[nodiscard]] Observation addObserver(const std::string& name,
+                                        std::function<void()> received) override;
+  std::vector<std::string> posted;
+
+ private:
+  std::multimap<std::string, std::weak_ptr<std::function<void()>>> observers_;
+};
+
+class FakeCapabilities final : public SystemCapabilities {
+ public:
+  bool hasDarkAppearance() const override { return darkAppearance; }
+  bool darkAppearance = true;
+};
+
+class FakePreferencesWindow final : public PreferencesWindow {
+ public:
+  /// What outlives the window for a test to look at.
+  struct Record {
+    int made = 0;
+    bool visible = false;
+    bool movable = false;
+    bool rootAuthorized = false;
+    std::vector<double> background;
+    std::function<void()> clicked;
+  };
+  explicit FakePreferencesWindow(Record& record) : record_(record) { ++record.made; }
+
+  void makeKeyAndOrderFront() override { record_.visible = true; }
+  bool isVisible() const override { return record_.visible; }
+  void setMovableByWindowBackground(bool movable) override { record_.movable = movable; }
+  void setBackgroundColor(double red, double green, double blue) override {
+    record_.background = {red, green, blue};
+  }
+  void setAuthorizeRootButtonState(bool on) override { record_.rootAuthorized = on; }
+  bool authorizeRootButtonState() const override { return record_.rootAuthorized; }
+  void setAuthorizeRootButtonAction(std::function<void()> action) override {
+    record_.clicked = std::move(action);
+  }
+
+ private:
+  Record& record_;
+};
+
+}  // namespace tavrin

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <cstddef>
+
+#include "foundation/PropertyList.h"
+#include "foundation/Result.h"
+#include "platform/linux/ItemReference.h"
+
+namespace tavrin {
+
+/// Creates a regular file with the given bytes and the rights the user gives new files. The name
+/// appears when the file is whole; a name that is taken is file_exists.
+Status createFile(const ItemReference& item, const PropertyList::Data& contents);
+
+/// The bytes of a regular file. A link is not followed (too_many_symbolic_link_levels); a folder is
+/// is_a_directory, any other kind invalid_argument, without blocking; more than `largestSize` bytes
+/// are file_too_large.
+Result<PropertyList::Data> readFile(const ItemReference& item, std::size_t largestSize);
+
+}  // namespace tavrin

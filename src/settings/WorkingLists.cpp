@@ -2,10 +2,10 @@
 
 namespace tavrin {
 
-WorkingLists::WorkingLists(const UserDefaults& standard) {
-  for (const RuleListKeys& keys : ruleLists) {
-    list(keys.list) = standard.arrayForKey(keys.listKey);
-  }
+PropertyList::Array& WorkingLists::list(RuleList list) {
+  auto& copy = lists_.at(static_cast<std::size_t>(list));
+  if (!copy) copy = standard_.arrayForKey(keysOfRuleList(list).listKey);
+  return *copy;
 }
 
 }  // namespace tavrin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <optional>
 
 #include "foundation/PropertyList.h"
 #include "platform/UserDefaults.h"
@@ -12,17 +13,16 @@ namespace tavrin {
 /// A list changes here first and is then written to the standard store. Used on the main thread.
 class WorkingLists {
  public:
-  /// Copies the lists of the standard store. An absent list, and a value that is no array, is
-  /// empty.
-  explicit WorkingLists(const UserDefaults& standard);
+  /// Each list is copied from the standard store, which outlives this object, when it is first
+  /// asked for: a start that serves a request does not read images. An absent list, and a value that
+  /// is no array, is empty.
+  explicit WorkingLists(const UserDefaults& standard) : standard_(standard) {}
 
-  const PropertyList::Array& list(RuleList list) const { return lists_.at(indexOf(list)); }
-  PropertyList::Array& list(RuleList list) { return lists_.at(indexOf(list)); }
+  PropertyList::Array& list(RuleList list);
 
  private:
-  static constexpr std::size_t indexOf(RuleList list) { return static_cast<std::size_t>(list); }
-
-  std::array<PropertyList::Array, ruleLists.size()> lists_;
+  const UserDefaults& standard_;
+  std::array<std::optional<PropertyList::Array>, ruleLists.size()> lists_;
 };
 
 }  // namespace tavrin

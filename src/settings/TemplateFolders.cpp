@@ -21,7 +21,7 @@ std::string imageName(std::string_view name) {
 
 /// A title may hold anything; one with a separator would lead out of the folder.
 bool isNameOfOneFile(std::string_view name) {
-  return name != "." && name != ".." && name.find_first_of(std::string_view("/\0", 2)) == name.npos;
+  return name.find_first_of(std::string_view("/\0", 2)) == name.npos;
 }
 
 bool failedWith(const Status& status, std::errc cause) {

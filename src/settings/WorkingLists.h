@@ -14,8 +14,8 @@ namespace tavrin {
 class WorkingLists {
  public:
   /// Each list is copied from the standard store, which outlives this object, when it is first
-  /// asked for: a start that serves a request does not read images. An absent list, and a value that
-  /// is no array, is empty.
+  /// asked for: a start that serves a request does not read images. An absent list, and a value
+  /// that is no array, is empty.
   explicit WorkingLists(const UserDefaults& standard) : standard_(standard) {}
 
   PropertyList::Array& list(RuleList list);

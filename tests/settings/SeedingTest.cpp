@@ -1,0 +1,136 @@
+#include <gtest/gtest.h>
+
+#include "settings/Seeding.h"
+#include "tests/support/FakeBundle.h"
+#include "tests/support/FakeLog.h"
+#include "tests/support/FakePropertyLists.h"
+#include "tests/support/FakeUserDefaults.h"
+
+namespace tavrin {
+namespace {
+
+const PropertyList::Array defaultRows{PropertyList::Dictionary{{"displayName", "Plain Text"}}};
+
+class Seeding : public testing::Test {
+ protected:
+  void seed() { seedSettings(defaults, standard, suite); }
+
+  DefaultSettings defaults{{{"soundTipsOfNewFile", true}, {"arrOfOthers", defaultRows}}};
+  FakeUserDefaults standard;
+  FakeUserDefaults suite;
+};
+
+TEST_F(Seeding, GivesBothStoresWhatTheyLackAndMakesTheSuiteDurable) {
+  seed();
+  for (const FakeUserDefaults* store : {&standard, &suite}) {
+    EXPECT_EQ(store->objectForKey("soundTipsOfNewFile"), PropertyList(true));
+    EXPECT_EQ(store->objectForKey("arrOfOthers"), PropertyList(defaultRows));
+  }
+  EXPECT_GE(suite.synchronizeCount(), 1);
+}
+
+TEST_F(Seeding, KeepsAValueInEitherStoreWhateverItsKind) {
+  standard.setObject(false, "soundTipsOfNewFile");
+  suite.setObject("of another kind", "arrOfOthers");
+  seed();
+  EXPECT_EQ(standard.objectForKey("soundTipsOfNewFile"), PropertyList(false));
+  EXPECT_EQ(suite.objectForKey("soundTipsOfNewFile"), PropertyList(true));
+  EXPECT_EQ(suite.objectForKey("arrOfOthers"), PropertyList("of another kind"));
+  EXPECT_EQ(standard.objectForKey("arrOfOthers"), PropertyList(defaultRows));
+}
+
+TEST_F(Seeding, WritesNothingWhereNothingIsLacking) {
+  seed();
+  const auto changes = standard.changedKeys().size() + suite.changedKeys().size();
+  seed();
+  EXPECT_EQ(standard.changedKeys().size() + suite.changedKeys().size(), changes);
+}
+
+TEST_F(Seeding, SeedsAStoreThatWasLostBesideOneThatWasNot) {
+  seed();
+  standard.setObject(false, "soundTipsOfNewFile");
+  standard.setObject("/home/ada/Desktop", "prePathOfCommonPath");
+  FakeUserDefaults newSuite;
+  seedSettings(defaults, standard, newSuite);
+  EXPECT_EQ(newSuite.keys(), (std::vector<std::string>{"arrOfOthers", "soundTipsOfNewFile"}));
+  EXPECT_EQ(newSuite.objectForKey("soundTipsOfNewFile"), PropertyList(true));
+  EXPECT_EQ(standard.objectForKey("soundTipsOfNewFile"), PropertyList(false));
+}
+
+/// A store in which another process stores a value between the listing and the write.
+class RacedDefaults final : public UserDefaults {
+ public:
+  std::vector<std::string> keys() const override {
+    auto listed = store.keys();
+    store.setObject("written meanwhile", "soundTipsOfNewFile");
+    return listed;
+  }
+  std::optional<PropertyList> objectForKey(const std::string& key) const override {
+    return store.objectForKey(key);
+  }
+  void setObject(const PropertyList& value, const std::string& key) override {
+    store.setObject(value, key);
+  }
+  bool setObjectIfAbsent(const PropertyList& value, const std::string& key) override {
+    return store.setObjectIfAbsent(value, key);
+  }
+  void removeObjectForKey(const std::string& key) override { store.removeObjectForKey(key); }
+  bool synchronize() override { return store.synchronize(); }
+  void setVolatileObject(const std::optional<PropertyList>& value,
+                         const std::string& key) override {
+    store.setVolatileObject(value, key);
+  }
+  [[nodiscard]] Observation observe(const std::string& key, Observer changed) override {
+    return store.observe(key, std::move(changed));
+  }
+
+  mutable FakeUserDefaults store;
+};
+
+TEST_F(Seeding, KeepsAValueThatAnotherProcessStoredMeanwhile) {
+  RacedDefaults raced;
+  seedSettings(defaults, raced, suite);
+  EXPECT_EQ(raced.objectForKey("soundTipsOfNewFile"), PropertyList("written meanwhile"));
+  EXPECT_EQ(raced.objectForKey("arrOfOthers"), PropertyList(defaultRows));
+}
+
+class LoadingDefaultSettings : public testing::Test {
+ protected:
+  DefaultSettings load() const {
+    return DefaultSettings::loadedFromBundle(bundle, propertyLists, log);
+  }
+
+  FakeBundle bundle;
+  mutable FakePropertyLists propertyLists;
+  mutable FakeLog log;
+};
+
+TEST_F(LoadingDefaultSettings, ReadsTheResourceOnce) {
+  bundle.resources["DefaultPreferences.plist"] = "/share/DefaultPreferences.plist";
+  propertyLists.files.insert(
+      {"/share/DefaultPreferences.plist",
+       PropertyList::Dictionary{{"arrOfOthers", defaultRows}, {"arrOfCommonPath", "no array"}}});
+  const DefaultSettings settings = load();
+  EXPECT_EQ(settings.arrayForKey("arrOfOthers"), defaultRows);
+  EXPECT_TRUE(settings.arrayForKey("arrOfCommonPath").empty());
+  EXPECT_TRUE(settings.arrayForKey("arrOfCustomIcon").empty());
+  EXPECT_EQ(propertyLists.readCount, 1);
+  EXPECT_TRUE(log.lines().empty());
+}
+
+TEST_F(LoadingDefaultSettings, HasNoneAndSaysSoOnceWhenTheResourceIsMissingOrNoDictionary) {
+  EXPECT_TRUE(load().dictionary().empty());
+  EXPECT_EQ(log.lines().size(), 1U);
+
+  bundle.resources["DefaultPreferences.plist"] = "/share/DefaultPreferences.plist";
+  EXPECT_TRUE(load().dictionary().empty());
+  ASSERT_EQ(log.lines().size(), 2U);
+  EXPECT_NE(log.lines().back().find("open /share/DefaultPreferences.plist"), std::string::npos);
+
+  propertyLists.files.insert({"/share/DefaultPreferences.plist", defaultRows});
+  EXPECT_TRUE(load().dictionary().empty());
+  EXPECT_EQ(log.lines().size(), 3U);
+}
+
+}  // namespace
+}  // namespace tavrin

@@ -1,0 +1,117 @@
+#include "platform/linux/LinuxMainLoop.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QThread>
+#include <QTimer>
+#include <algorithm>
+#include <exception>
+#include <future>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+namespace tavrin {
+
+LinuxMainLoop::LinuxMainLoop(Log& log) : log_(log), waker_(*this) {}
+
+LinuxMainLoop::~LinuxMainLoop() {
+  std::unique_lock lock(mutex_);
+  while (backgroundWorkCount_ > 0) {
+    changed_.wait(lock, [this] { return backgroundWorkCount_ == 0 || !queue_.empty(); });
+    lock.unlock();
+    while (runNextQueued()) continue;
+    lock.lock();
+  }
+}
+
+bool LinuxMainLoop::isMainThread() const {
+  return QThread::currentThread() == waker_.thread();
+}
+
+// The work waits in a queue of our own and an event only says so: one event runs one piece, so that
+// a modal panel that a piece shows keeps the order of the pieces behind it.
+void LinuxMainLoop::async(std::function<void()> work) {
+  {
+    const std::lock_guard lock(mutex_);
+    queue_.push_back(std::move(work));
+    changed_.notify_all();
+  }
+  QCoreApplication::postEvent(&waker_, new QEvent(QEvent::User));
+}
+
+void LinuxMainLoop::sync(const std::function<void()>& work) {
+  if (isMainThread()) {
+    work();
+    return;
+  }
+  std::packaged_task<void()> task(work);
+  std::future<void> done = task.get_future();
+  async([&task] { task(); });
+  done.get();
+}
+
+void LinuxMainLoop::performAfterDelay(double seconds, std::function<void()> work) {
+  if (!isMainThread()) {
+    async([this, seconds, work = std::move(work)] { performAfterDelay(seconds, work); });
+    return;
+  }
+  constexpr double longestDelay = 2.0e9;
+  const auto milliseconds = static_cast<int>(std::clamp(seconds * 1000.0, 0.0, longestDelay));
+  QTimer::singleShot(milliseconds, &waker_, [this, work = std::move(work)] { runGuarded(work); });
+}
+
+void LinuxMainLoop::runInBackground(std::function<void()> work) {
+  {
+    const std::lock_guard lock(mutex_);
+    ++backgroundWorkCount_;
+  }
+  try {
+    std::thread([this, work = std::move(work)]() mutable {
+      runGuarded(work);
+      work = nullptr;
+      backgroundWorkEnded();
+    }).detach();
+  } catch (const std::system_error& error) {
+    backgroundWorkEnded();
+    log_.write(std::string("start a thread: ") + error.what());
+  }
+}
+
+void LinuxMainLoop::backgroundWorkEnded() {
+  // Told while locked: the loop may be gone as soon as the lock is.
+  const std::lock_guard lock(mutex_);
+  --backgroundWorkCount_;
+  changed_.notify_all();
+}
+
+bool LinuxMainLoop::runNextQueued() {
+  std::function<void()> work;
+  {
+    const std::lock_guard lock(mutex_);
+    if (queue_.empty()) return false;
+    work = std::move(queue_.front());
+    queue_.pop_front();
+  }
+  runGuarded(work);
+  return true;
+}
+
+void LinuxMainLoop::runGuarded(const std::function<void()>& work) noexcept {
+  try {
+    work();
+  } catch (const std::exception& error) {
+    log_.write(std::string("queued work failed: ") + error.what());
+  } catch (...) {
+    log_.write("queued work failed");
+  }
+}
+
+bool LinuxMainLoop::Waker::event(QEvent* event) {
+  if (event->type() != QEvent::User) return QObject::event(event);
+  loop_.runNextQueued();
+  return true;
+}
+
+}  // namespace tavrin

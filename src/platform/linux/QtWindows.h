@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QWidget>
+
+#include "platform/Window.h"
+
+namespace tavrin {
+
+/// The widget behind a window of the program; nullptr for nullptr and for a window without one.
+inline QWidget* widgetOfWindow(Window* window) {
+  return dynamic_cast<QWidget*>(window);
+}
+
+/// The program's main window; nullptr while none is shown.
+QWidget* mainWindowWidget();
+
+/// Shows a window before the others and gives it the keyboard, as far as the desktop allows.
+void bringToFront(QWidget& widget);
+
+}  // namespace tavrin

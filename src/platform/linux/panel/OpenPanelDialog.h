@@ -1,0 +1,93 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "foundation/FileURL.h"
+#include "platform/linux/panel/FolderListModel.h"
+#include "platform/linux/panel/PanelRules.h"
+
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+class QTreeView;
+class QVBoxLayout;
+
+namespace tavrin {
+
+class PanelPathBar;
+
+/// What a panel is set to before it is shown.
+struct PanelOptions {
+  PanelRules rules;
+  bool allowsMultipleSelection = false;
+  HiddenFiles hiddenFiles = HiddenFiles::LeaveOut;
+  QString title;
+  QString message;
+  QString accessoryText;
+  QString prompt;
+  /// The folder to show, or the file to show selected in its parent; the home folder without one.
+  std::optional<FileURL> directory;
+};
+
+/// The window of a panel. It ends accepted with something picked that the rules allow, or rejected
+/// with nothing.
+///
+/// Keys: Return goes into the selected folder, picks the selected file, and with nothing selected
+/// picks the folder shown; Alt+Up goes to the parent; "/" and "~" begin a typed path; Escape
+/// cancels.
+class OpenPanelDialog final : public QDialog {
+ public:
+  OpenPanelDialog(const PanelOptions& options, QWidget* parent);
+
+  /// What was picked, once the dialog is accepted.
+  const std::vector<FileURL>& picked() const { return picked_; }
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+
+ private:
+  void addTexts(QVBoxLayout& layout);
+  void makeFileList();
+  void makePlaces();
+  void makeLocationRow(QVBoxLayout& layout);
+  void makeButtons(QVBoxLayout& layout);
+  void showStart();
+
+  bool returnPressedIn(const QObject* widget);
+  bool beginsTypedPath(const QObject* widget, const QKeyEvent& event);
+  void enterFolder(const FileURL& folder, const std::string& nameToShow = std::string());
+  void openRow(int row);
+  void openPlace(int row);
+  void confirm();
+  void locationReturnPressed();
+  void selectionChanged();
+  void locationEdited();
+  void showCandidates();
+
+  /// What confirming would pick: the typed path, the selected rows, or the folder shown.
+  std::vector<FileURL> candidates() const;
+  std::vector<int> selectedRows() const;
+  std::optional<FileURL> typedURL() const;
+  QString problemOfTypedPath() const;
+
+  PanelOptions options_;
+  std::vector<FileURL> picked_;
+  /// The location shows what the user typed, and not what the list selects.
+  bool locationIsTyped_ = false;
+  FolderListModel* model_;
+  QTreeView* fileList_;
+  QListWidget* places_;
+  PanelPathBar* pathBar_;
+  QLabel* emptyHint_;
+  QLineEdit* locationEdit_;
+  QLabel* problemLabel_;
+  QPushButton* promptButton_ = nullptr;
+};
+
+}  // namespace tavrin

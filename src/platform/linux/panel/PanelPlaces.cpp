@@ -1,0 +1,112 @@
+#include "platform/linux/panel/PanelPlaces.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QStandardPaths>
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <string_view>
+
+#include "foundation/PathString.h"
+#include "platform/linux/DisplayText.h"
+#include "platform/linux/LinuxDirectories.h"
+
+namespace tavrin {
+
+namespace {
+
+struct StandardFolder {
+  QStandardPaths::StandardLocation location;
+  const char* name;
+  const char* themeIcon;
+};
+
+constexpr std::array standardFolders{
+    StandardFolder{QStandardPaths::DesktopLocation, QT_TRANSLATE_NOOP("Tavrin", "Desktop"),
+                   "user-desktop"},
+    StandardFolder{QStandardPaths::DocumentsLocation, QT_TRANSLATE_NOOP("Tavrin", "Documents"),
+                   "folder-documents"},
+    StandardFolder{QStandardPaths::DownloadLocation, QT_TRANSLATE_NOOP("Tavrin", "Downloads"),
+                   "folder-download"},
+    StandardFolder{QStandardPaths::MusicLocation, QT_TRANSLATE_NOOP("Tavrin", "Music"),
+                   "folder-music"},
+    StandardFolder{QStandardPaths::PicturesLocation, QT_TRANSLATE_NOOP("Tavrin", "Pictures"),
+                   "folder-pictures"},
+    StandardFolder{QStandardPaths::MoviesLocation, QT_TRANSLATE_NOOP("Tavrin", "Videos"),
+                   "folder-videos"},
+};
+
+bool isFolder(const std::string& path) {
+  std::error_code unreachable;
+  return std::filesystem::is_directory(path, unreachable);
+}
+
+bool isOctalEscape(std::string_view text) {
+  return text.size() >= 4 && text[0] == '\\' &&
+         std::all_of(text.begin() + 1, text.begin() + 4,
+                     [](char digit) { return digit >= '0' && digit <= '7'; });
+}
+
+std::string unescaped(std::string_view field) {
+  std::string text;
+  for (std::size_t at = 0; at < field.size();) {
+    if (!isOctalEscape(field.substr(at))) {
+      text += field[at++];
+      continue;
+    }
+    const int code = (field[at + 1] - '0') * 64 + (field[at + 2] - '0') * 8 + (field[at + 3] - '0');
+    text += static_cast<char>(code);
+    at += 4;
+  }
+  return text;
+}
+
+bool isUserVolume(const std::string& path) {
+  constexpr std::array parents{"/media", "/mnt", "/run/media"};
+  return std::any_of(parents.begin(), parents.end(), [&path](const char* parent) {
+    return path != parent && isPathAtOrBelow(path, parent);
+  });
+}
+
+}  // namespace
+
+std::vector<std::string> mountedVolumes(std::istream& mounts) {
+  std::vector<std::string> volumes;
+  for (std::string line; std::getline(mounts, line);) {
+    std::istringstream fields(line);
+    std::string device;
+    std::string mountPoint;
+    if (!(fields >> device >> mountPoint)) continue;
+    mountPoint = unescaped(mountPoint);
+    const bool isNew = std::find(volumes.begin(), volumes.end(), mountPoint) == volumes.end();
+    if (isNew && isUserVolume(mountPoint)) volumes.push_back(mountPoint);
+  }
+  return volumes;
+}
+
+std::vector<PanelPlace> panelPlaces() {
+  const std::string home = currentAccount().homeDirectory;
+  std::vector<PanelPlace> places{
+      {QCoreApplication::translate("Tavrin", "Home"), home, "user-home", PanelIcons::Symbol::Home}};
+  for (const StandardFolder& folder : standardFolders) {
+    const std::string path =
+        QFile::encodeName(QStandardPaths::writableLocation(folder.location)).toStdString();
+    // A user folder that is switched off points to the home folder.
+    if (path.empty() || path == home || !isFolder(path)) continue;
+    places.push_back({QCoreApplication::translate("Tavrin", folder.name), path, folder.themeIcon,
+                      PanelIcons::Symbol::Folder});
+  }
+  places.push_back({QCoreApplication::translate("Tavrin", "Computer"), "/", "computer",
+                    PanelIcons::Symbol::Computer});
+  std::ifstream mounts("/proc/self/mounts");
+  for (const std::string& path : mountedVolumes(mounts)) {
+    places.push_back(
+        {displayName(lastPathComponent(path)), path, "drive-harddisk", PanelIcons::Symbol::Volume});
+  }
+  return places;
+}
+
+}  // namespace tavrin

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "foundation/FileURL.h"
+#include "platform/OpenPanel.h"
+
+namespace tavrin {
+
+/// What a panel lets the user do with an item.
+struct PanelRules {
+  bool canChooseFiles = true;
+  bool canChooseDirectories = false;
+  /// nullptr refuses nothing.
+  const OpenSavePanelDelegate* delegate = nullptr;
+
+  /// Whether the item's row can be selected, and, for a folder, whether the panel goes into it.
+  bool isEnabled(const FileURL& url, bool isFolder) const {
+    return (isFolder || canChooseFiles) &&
+           (delegate == nullptr || delegate->panelShouldEnableURL(url));
+  }
+
+  /// Whether the panel may end with the item.
+  bool isPickable(const FileURL& url, bool isFolder) const {
+    return (isFolder ? canChooseDirectories : canChooseFiles) && isEnabled(url, isFolder);
+  }
+};
+
+}  // namespace tavrin

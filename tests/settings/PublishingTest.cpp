@@ -127,10 +127,7 @@ TEST_P(EachList, ResetsToNothingWithoutADefault) {
   EXPECT_EQ(stored(GetParam().listKey), PropertyList(Rows{}));
 }
 
-class SettingsView : public SettingsFixture {
- protected:
-  static constexpr const char* standardDomain = FakeUserDefaultsProvider::standardDomain;
-};
+class SettingsView : public SettingsFixture {};
 
 TEST_F(SettingsView, PublishesFourListsAMomentAfterItLoaded) {
   const Rows edited{rowNamed("edited", 1)};
@@ -160,6 +157,12 @@ TEST_F(SettingsView, ThatIsGoneBeforeItsStartPublishesNothing) {
   controller.reset();
   mainLoop.advance(1);
   EXPECT_TRUE(suite->keys().empty());
+}
+
+TEST_F(SettingsView, MirrorsASwitchFromTheMomentItLoaded) {
+  makeController().viewDidLoad();
+  standard->setObject(true, "soundTipsOfNewFile");
+  EXPECT_EQ(published("soundTipsOfNewFile"), PropertyList(true));
 }
 
 TEST_F(SettingsView, MakesEveryWriteToTheSuiteDurable) {

@@ -1,5 +1,11 @@
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "settings/Seeding.h"
 #include "tests/support/FakeBundle.h"
 #include "tests/support/FakeLog.h"
@@ -10,6 +16,39 @@ namespace tavrin {
 namespace {
 
 const PropertyList::Array defaultRows{PropertyList::Dictionary{{"displayName", "Plain Text"}}};
+
+/// A store that counts its attempts to seed, and that another process may write to meanwhile.
+class WatchedDefaults final : public UserDefaults {
+ public:
+  std::vector<std::string> keys() const override {
+    auto listed = store.keys();
+    if (afterListing) afterListing();
+    return listed;
+  }
+  std::optional<PropertyList> objectForKey(const std::string& key) const override {
+    return store.objectForKey(key);
+  }
+  void setObject(const PropertyList& value, const std::string& key) override {
+    store.setObject(value, key);
+  }
+  bool setObjectIfAbsent(const PropertyList& value, const std::string& key) override {
+    ++attempts;
+    return store.setObjectIfAbsent(value, key);
+  }
+  void removeObjectForKey(const std::string& key) override { store.removeObjectForKey(key); }
+  bool synchronize() override { return store.synchronize(); }
+  void setVolatileObject(const std::optional<PropertyList>& value,
+                         const std::string& key) override {
+    store.setVolatileObject(value, key);
+  }
+  [[nodiscard]] Observation observe(const std::string& key, Observer changed) override {
+    return store.observe(key, std::move(changed));
+  }
+
+  mutable FakeUserDefaults store;
+  std::function<void()> afterListing;
+  int attempts = 0;
+};
 
 class Seeding : public testing::Test {
  protected:
@@ -39,11 +78,22 @@ TEST_F(Seeding, KeepsAValueInEitherStoreWhateverItsKind) {
   EXPECT_EQ(standard.objectForKey("arrOfOthers"), PropertyList(defaultRows));
 }
 
-TEST_F(Seeding, WritesNothingWhereNothingIsLacking) {
-  seed();
-  const auto changes = standard.changedKeys().size() + suite.changedKeys().size();
-  seed();
-  EXPECT_EQ(standard.changedKeys().size() + suite.changedKeys().size(), changes);
+TEST_F(Seeding, AttemptsNothingWhereNothingIsLacking) {
+  WatchedDefaults watched;
+  seedSettings(defaults, watched, suite);
+  EXPECT_EQ(watched.attempts, 2);
+  const auto changes = suite.changedKeys().size();
+  seedSettings(defaults, watched, suite);
+  EXPECT_EQ(watched.attempts, 2);
+  EXPECT_EQ(suite.changedKeys().size(), changes);
+}
+
+TEST_F(Seeding, KeepsAValueThatAnotherProcessStoredMeanwhile) {
+  WatchedDefaults raced;
+  raced.afterListing = [&raced] { raced.setObject("written meanwhile", "soundTipsOfNewFile"); };
+  seedSettings(defaults, raced, suite);
+  EXPECT_EQ(raced.objectForKey("soundTipsOfNewFile"), PropertyList("written meanwhile"));
+  EXPECT_EQ(raced.objectForKey("arrOfOthers"), PropertyList(defaultRows));
 }
 
 TEST_F(Seeding, SeedsAStoreThatWasLostBesideOneThatWasNot) {
@@ -55,43 +105,6 @@ TEST_F(Seeding, SeedsAStoreThatWasLostBesideOneThatWasNot) {
   EXPECT_EQ(newSuite.keys(), (std::vector<std::string>{"arrOfOthers", "soundTipsOfNewFile"}));
   EXPECT_EQ(newSuite.objectForKey("soundTipsOfNewFile"), PropertyList(true));
   EXPECT_EQ(standard.objectForKey("soundTipsOfNewFile"), PropertyList(false));
-}
-
-/// A store in which another process stores a value between the listing and the write.
-class RacedDefaults final : public UserDefaults {
- public:
-  std::vector<std::string> keys() const override {
-    auto listed = store.keys();
-    store.setObject("written meanwhile", "soundTipsOfNewFile");
-    return listed;
-  }
-  std::optional<PropertyList> objectForKey(const std::string& key) const override {
-    return store.objectForKey(key);
-  }
-  void setObject(const PropertyList& value, const std::string& key) override {
-    store.setObject(value, key);
-  }
-  bool setObjectIfAbsent(const PropertyList& value, const std::string& key) override {
-    return store.setObjectIfAbsent(value, key);
-  }
-  void removeObjectForKey(const std::string& key) override { store.removeObjectForKey(key); }
-  bool synchronize() override { return store.synchronize(); }
-  void setVolatileObject(const std::optional<PropertyList>& value,
-                         const std::string& key) override {
-    store.setVolatileObject(value, key);
-  }
-  [[nodiscard]] Observation observe(const std::string& key, Observer changed) override {
-    return store.observe(key, std::move(changed));
-  }
-
-  mutable FakeUserDefaults store;
-};
-
-TEST_F(Seeding, KeepsAValueThatAnotherProcessStoredMeanwhile) {
-  RacedDefaults raced;
-  seedSettings(defaults, raced, suite);
-  EXPECT_EQ(raced.objectForKey("soundTipsOfNewFile"), PropertyList("written meanwhile"));
-  EXPECT_EQ(raced.objectForKey("arrOfOthers"), PropertyList(defaultRows));
 }
 
 class LoadingDefaultSettings : public testing::Test {

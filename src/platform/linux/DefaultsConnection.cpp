@@ -1,0 +1,219 @@
+#include "platform/linux/DefaultsConnection.h"
+
+#include "foundation/FileURL.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr int busyMilliseconds = 20'000;
+constexpr int attempts = 4;
+constexpr int schemaVersion = 1;
+
+constexpr const char* schema = R"(
+  CREATE TABLE IF NOT EXISTS setting(
+    id INTEGER PRIMARY KEY, key BLOB NOT NULL UNIQUE, value BLOB NOT NULL);
+  CREATE TABLE IF NOT EXISTS large_data(
+    id INTEGER PRIMARY KEY, hash INTEGER NOT NULL, bytes BLOB NOT NULL);
+  CREATE INDEX IF NOT EXISTS large_data_hash ON large_data(hash);
+  CREATE TABLE IF NOT EXISTS large_data_use(
+    setting INTEGER NOT NULL, position INTEGER NOT NULL, data INTEGER NOT NULL,
+    PRIMARY KEY(setting, position)) WITHOUT ROWID;
+  CREATE INDEX IF NOT EXISTS large_data_use_data ON large_data_use(data);
+)";
+
+bool isDamage(int status) {
+  // A missing table, which makes preparing fail with the plain error, is damage too.
+  const int primary = status & 0xFF;
+  return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
+}
+
+}  // namespace
+
+DefaultsConnection::DefaultsConnection(std::string folder, Log& log,
+                                       std::function<void()> startedAfresh)
+    : file_(std::move(folder)), log_(log), startedAfresh_(std::move(startedAfresh)) {
+  open();
+}
+
+void DefaultsConnection::report(const char* what, int status) {
+  log_.write(std::string(what) + " settings in " + file_.folder() + ": " + sqlite3_errstr(status));
+}
+
+void DefaultsConnection::open() {
+  ++generation_;
+  if (file_.folder().empty()) return openInMemory("the domain has no folder");
+  std::string reason;
+  for (int attempt = 0; attempt < attempts; ++attempt) {
+    const int status = openFile(reason);
+    if (status == SQLITE_OK) {
+      hadDatabase_ = true;
+      return;
+    }
+    if (reason.empty()) reason = sqlite3_errstr(status);
+    if (isDamage(status) && !replaceDamaged()) break;
+  }
+  openInMemory(reason);
+}
+
+/// Fills `reason` when SQLite's status does not tell it.
+int DefaultsConnection::openFile(std::string& reason) {
+  reason.clear();
+  if (const Status folder = file_.ensureFolder(); !folder) {
+    reason = folder.error().describe();
+    return SQLITE_CANTOPEN;
+  }
+  opened_ = file_.identity();
+  const int status = opened_ == DefaultsFile::Identity{} ? SQLITE_EMPTY : openExisting();
+  if (status != SQLITE_EMPTY) return status;
+  return initialize();
+}
+
+/// SQLITE_EMPTY stands for a database without the schema.
+int DefaultsConnection::openExisting() {
+  int status = connection_.open(file_.path(), SQLITE_OPEN_READWRITE);
+  if (status != SQLITE_OK) return status;
+  sqlite3_busy_timeout(connection_.handle(), busyMilliseconds);
+  sqlite3_extended_result_codes(connection_.handle(), 1);
+  if (sqlite3_db_readonly(connection_.handle(), "main") == 1) return SQLITE_READONLY;
+  status = connection_.execute("PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304");
+  if (status != SQLITE_OK) return status;
+  SqliteQuery version = connection_.query("PRAGMA user_version");
+  if (!version.nextRow()) return version.status();
+  if (version.integer(0) == 0) return SQLITE_EMPTY;
+  // The file may have been set aside between the look at its name and the opening.
+  return file_.identity() == opened_ ? SQLITE_OK : SQLITE_BUSY;
+}
+
+int DefaultsConnection::initialize() {
+  const DefaultsFile::Lock lock(file_);
+  if (!file_.ensureFile()) return SQLITE_CANTOPEN;
+  opened_ = file_.identity();
+  int status = openExisting();
+  if (status != SQLITE_EMPTY) return status;
+  status = connection_.execute("PRAGMA journal_mode=WAL");
+  if (status == SQLITE_OK) {
+    status = connection_.execute("BEGIN IMMEDIATE;" + std::string(schema) + "PRAGMA user_version=" +
+                                 std::to_string(schemaVersion) + "; COMMIT");
+  }
+  if (status == SQLITE_OK && hadDatabase_) startedAfresh_();
+  return status;
+}
+
+void DefaultsConnection::openInMemory(const std::string& reason) {
+  log_.write("settings in " + file_.folder() + " are not stored: " + reason);
+  isInMemory_ = true;
+  connection_.open("", SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_URI);
+  connection_.execute(schema);
+  if (!file_.folder().empty()) copySavedValues();
+}
+
+void DefaultsConnection::copySavedValues() {
+  // Where no log can be made beside the file, only the promise that nobody writes lets it be read.
+  for (const char* mode : {"?mode=ro", "?immutable=1"}) {
+    const std::string location = FileURL::fileURLWithPath(file_.path()).absoluteString() + mode;
+    {
+      SqliteQuery attach = connection_.query("ATTACH ?1 AS saved");
+      if (!attach.bind(1, location).run()) continue;
+    }
+    const int status = connection_.execute(
+        "BEGIN; INSERT INTO setting SELECT * FROM saved.setting;"
+        "INSERT INTO large_data SELECT * FROM saved.large_data;"
+        "INSERT INTO large_data_use SELECT * FROM saved.large_data_use; COMMIT");
+    if (status != SQLITE_OK) connection_.execute("ROLLBACK");
+    connection_.execute("DETACH saved");
+    if (status == SQLITE_OK) return;
+  }
+}
+
+bool DefaultsConnection::replaceDamaged() {
+  if (isInMemory_) return false;
+  const DefaultsFile::Lock lock(file_);
+  connection_.close();
+  // Another process may have replaced it while this one waited.
+  if (file_.identity() != opened_) return true;
+  const auto aside = file_.setAside();
+  if (!aside) {
+    log_.write(aside.error().describe());
+    return false;
+  }
+  log_.write("settings in " + file_.path() + " are damaged and now start afresh; the old file is " +
+             aside.value());
+  hadDatabase_ = true;
+  return true;
+}
+
+void DefaultsConnection::ensureCurrent() {
+  if (isInMemory_ || (connection_.isOpen() && file_.identity() == opened_)) return;
+  connection_.close();
+  file_.forgetLock();
+  open();
+}
+
+bool DefaultsConnection::succeeded(const SqliteQuery& query) {
+  if (query.failed()) failure_ = query.status();
+  return !query.failed();
+}
+
+int DefaultsConnection::run(const char* begin, const Work& work) {
+  failure_ = SQLITE_OK;
+  {
+    SqliteQuery start = query(begin);
+    start.run();
+    if (!succeeded(start)) return failure_;
+  }
+  if (work() && failure_ == SQLITE_OK) {
+    SqliteQuery commit = query("COMMIT");
+    if (commit.run()) return SQLITE_OK;
+    succeeded(commit);
+  }
+  query("ROLLBACK").run();
+  return failure_ == SQLITE_OK ? SQLITE_INTERNAL : failure_;
+}
+
+bool DefaultsConnection::read(const Work& work) {
+  int status = SQLITE_OK;
+  for (int attempt = 0; attempt < attempts; ++attempt) {
+    ensureCurrent();
+    status = run("BEGIN", work);
+    if (status == SQLITE_OK) return true;
+    if (!isDamage(status) || !replaceDamaged()) break;
+  }
+  report("cannot read", status);
+  return false;
+}
+
+bool DefaultsConnection::write(const Work& work) {
+  int status = SQLITE_BUSY;
+  for (int attempt = 0; attempt < attempts; ++attempt) {
+    ensureCurrent();
+    {
+      const DefaultsFile::Lock lock(file_);
+      // Replaced while this one waited.
+      if (!isInMemory_ && file_.identity() != opened_) continue;
+      status = run("BEGIN IMMEDIATE", work);
+    }
+    if (status == SQLITE_OK) {
+      file_.announceChange();
+      return true;
+    }
+    if (!isDamage(status) || !replaceDamaged()) break;
+  }
+  report("cannot write", status);
+  return false;
+}
+
+bool DefaultsConnection::synchronize() {
+  if (isInMemory_) return false;
+  ensureCurrent();
+  // Commits are complete in the log before they are on the disk; to sync that one file is enough.
+  sqlite3_file* log = nullptr;
+  sqlite3_file_control(connection_.handle(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
+  const int status = log == nullptr || log->pMethods == nullptr
+                         ? SQLITE_OK
+                         : log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+  if (status != SQLITE_OK) report("cannot synchronize", status);
+  return status == SQLITE_OK;
+}
+
+}  // namespace tavrin

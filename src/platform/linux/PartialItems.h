@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "foundation/Result.h"
 #include "platform/Log.h"
@@ -22,6 +23,9 @@ class PartialItem {
 
   /// One component, free at random: ".tavrin-0123456789abcdef.partial".
   const std::string& name() const { return name_; }
+
+  /// Writes the record; to be done once.
+  Status write(std::string_view content);
 
   /// Leaves the record for the next start, when the item could not be removed.
   void keepRecord();

@@ -1,0 +1,92 @@
+#include "platform/linux/FileCreation.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/FolderEntry.h"
+#include "platform/linux/ItemNaming.h"
+
+namespace tavrin {
+namespace {
+
+constexpr mode_t rightsOfNewFiles = 0666;
+
+Status writeAll(int descriptor, const PropertyList::Data& contents, const FolderEntry& entry) {
+  std::size_t position = 0;
+  while (position < contents.size()) {
+    const ssize_t written =
+        ::write(descriptor, contents.data() + position, contents.size() - position);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return entry.failure("write", errno);
+    position += static_cast<std::size_t>(written);
+  }
+  return success();
+}
+
+Status createUnderTemporaryName(const ItemReference& item, const PropertyList::Data& contents) {
+  const FolderEntry entry(item);
+  const std::string name = randomHiddenName("partial");
+  const FileDescriptor file(::openat(item.parentDescriptor, name.c_str(),
+                                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                     rightsOfNewFiles));
+  if (!file) return entry.failure("create", errno);
+  Status written = writeAll(file.get(), contents, entry);
+  if (written) {
+    const std::error_code cause =
+        renameToFreeName(item.parentDescriptor, name, item.parentDescriptor, item.name);
+    if (!cause) return success();
+    written = entry.failure("create", cause.value());
+  }
+  ::unlinkat(item.parentDescriptor, name.c_str(), 0);
+  return written;
+}
+
+Result<FileDescriptor> openForReading(const FolderEntry& entry) {
+  FileDescriptor file(::openat(entry.folder(), entry.nameBytes(),
+                               O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!file) return entry.failure("open", errno == ENXIO ? EINVAL : errno);
+  struct stat status = {};
+  if (::fstat(file.get(), &status) != 0) return entry.failure("stat", errno);
+  if (S_ISDIR(status.st_mode)) return entry.failure("read", EISDIR);
+  if (!S_ISREG(status.st_mode)) return entry.failure("read", EINVAL);
+  return file;
+}
+
+}  // namespace
+
+Status createFile(const ItemReference& item, const PropertyList::Data& contents) {
+  const FolderEntry entry(item);
+  const FileDescriptor file = openNamelessFile(item.parentDescriptor, rightsOfNewFiles);
+  if (!file) {
+    // Whatever the reason, the attempt with a name finds the one that matters.
+    return createUnderTemporaryName(item, contents);
+  }
+  if (Status written = writeAll(file.get(), contents, entry); !written) return written;
+  const std::error_code cause = nameNamelessFile(file.get(), item.parentDescriptor, item.name);
+  return cause ? Status(entry.failure("create", cause.value())) : success();
+}
+
+Result<PropertyList::Data> readFile(const ItemReference& item, std::size_t largestSize) {
+  constexpr std::size_t step = 64 * 1024;
+  const FolderEntry entry(item);
+  const Result<FileDescriptor> file = openForReading(entry);
+  if (!file) return file.error();
+  PropertyList::Data contents;
+  while (true) {
+    const std::size_t position = contents.size();
+    contents.resize(position + step);
+    const ssize_t count = ::read(file.value().get(), contents.data() + position, step);
+    if (count < 0 && errno != EINTR) return entry.failure("read", errno);
+    contents.resize(position + static_cast<std::size_t>(count < 0 ? 0 : count));
+    if (contents.size() > largestSize) return entry.failure("read", EFBIG);
+    if (count == 0) return contents;
+  }
+}
+
+}  // namespace tavrin

@@ -1,0 +1,201 @@
+#include "platform/linux/PartialItems.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "foundation/PathString.h"
+#include "platform/linux/FolderListing.h"
+#include "platform/linux/FolderOpening.h"
+#include "platform/linux/ItemNaming.h"
+#include "platform/linux/PartialRemoval.h"
+
+namespace tavrin {
+namespace {
+
+constexpr std::string_view recordHead = "tavrin partial item 1";
+constexpr const char* partialKind = "partial";
+constexpr const char* recordKind = "record";
+
+/// Where a partial item grows. Written as fields that end with a NUL byte.
+struct Record {
+  std::string device;
+  std::string inode;
+  std::string name;
+  std::string folderPath;
+
+  std::string written() const {
+    std::string text;
+    for (const std::string_view field :
+         {recordHead, std::string_view(device), std::string_view(inode), std::string_view(name),
+          std::string_view(folderPath)}) {
+      text.append(field).push_back('\0');
+    }
+    return text;
+  }
+};
+
+SystemError failureAt(const char* operation, const std::string& path) {
+  return {operation, path, std::error_code(errno, std::generic_category())};
+}
+
+/// The real path of an open folder; the one that messages use when it is longer than the kernel can
+/// tell.
+std::string pathOfFolder(const ItemReference& item) {
+  std::array<char, 4096> buffer;
+  const std::string link = "/proc/self/fd/" + std::to_string(item.parentDescriptor);
+  const ssize_t size = ::readlink(link.c_str(), buffer.data(), buffer.size());
+  const bool isWhole = size > 0 && static_cast<std::size_t>(size) < buffer.size();
+  return isWhole ? std::string(buffer.data(), static_cast<std::size_t>(size))
+                 : deletingLastPathComponent(item.path);
+}
+
+std::optional<Record> parseRecord(const std::string& text) {
+  std::vector<std::string> fields;
+  std::size_t position = 0;
+  while (position < text.size()) {
+    const std::size_t end = text.find('\0', position);
+    if (end == std::string::npos) return std::nullopt;
+    fields.push_back(text.substr(position, end - position));
+    position = end + 1;
+  }
+  if (fields.size() != 5 || fields[0] != recordHead) return std::nullopt;
+  if (!isRandomHiddenName(fields[3], partialKind)) return std::nullopt;
+  return Record{fields[1], fields[2], fields[3], fields[4]};
+}
+
+/// Creates a record file that is locked. Whoever clears leftovers may lock it first: it is empty
+/// then and is removed, and another one is made.
+Result<FileDescriptor> createLockedRecord(const std::string& path) {
+  while (true) {
+    FileDescriptor record(
+        ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!record) return failureAt("create", path);
+    struct stat status = {};
+    if (::flock(record.get(), LOCK_EX) != 0 || ::fstat(record.get(), &status) != 0) {
+      return failureAt("lock", path);
+    }
+    if (status.st_nlink > 0) return record;
+  }
+}
+
+Result<std::string> readRecord(int record, const std::string& path) {
+  std::string text;
+  std::array<char, 4096> buffer;
+  while (true) {
+    const ssize_t count = ::read(record, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) return failureAt("read", path);
+    if (count == 0) return text;
+    text.append(buffer.data(), static_cast<std::size_t>(count));
+  }
+}
+
+Status removeRecordedItem(const Record& record) {
+  const FileDescriptor folder = openFolderAtPath(record.folderPath);
+  if (!folder) return failureAt("open", record.folderPath);
+  struct stat status = {};
+  if (::fstat(folder.get(), &status) != 0) return failureAt("stat", record.folderPath);
+  if (std::to_string(status.st_dev) != record.device ||
+      std::to_string(status.st_ino) != record.inode) {
+    return SystemError{"find the folder of a partial item", record.folderPath,
+                       std::make_error_code(std::errc::no_such_file_or_directory)};
+  }
+  const ItemReference partial = {folder.get(), record.name,
+                                 appendingPathComponent(record.folderPath, record.name)};
+  return removePartialItem(partial, record.name);
+}
+
+/// Success when the record is dropped, or its owner lives.
+Status clearRecord(const std::string& path) {
+  const FileDescriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  if (!file) return errno == ENOENT ? success() : Status(failureAt("open", path));
+  if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
+    return errno == EWOULDBLOCK ? success() : Status(failureAt("lock", path));
+  }
+  const Result<std::string> text = readRecord(file.get(), path);
+  if (!text) return text.error();
+  // An owner that has not written its record has not created its item.
+  if (!text.value().empty()) {
+    const std::optional<Record> record = parseRecord(text.value());
+    if (!record) {
+      return SystemError{"read the record", path, std::make_error_code(std::errc::bad_message)};
+    }
+    if (Status removed = removeRecordedItem(*record); !removed) return removed;
+  }
+  return ::unlink(path.c_str()) == 0 ? success() : Status(failureAt("remove", path));
+}
+
+Status clearRecords(const std::string& folderPath, Log& log) {
+  const FileDescriptor folder(
+      ::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!folder) return errno == ENOENT ? success() : Status(failureAt("open", folderPath));
+  FolderListing listing;
+  listing.start(folder.get(), folderPath);
+  FolderListing::Entry entry;
+  while (true) {
+    const Result<bool> found = listing.next(entry);
+    if (!found) return found.error();
+    if (!found.value()) return success();
+    if (!isRandomHiddenName(entry.name, recordKind)) continue;
+    const Status cleared = clearRecord(appendingPathComponent(folderPath, entry.name));
+    if (!cleared) log.write("A partial item is left alone: " + cleared.error().describe());
+  }
+}
+
+}  // namespace
+
+PartialItem::PartialItem(std::string name, std::string recordPath, FileDescriptor record)
+    : name_(std::move(name)), recordPath_(std::move(recordPath)), record_(std::move(record)) {}
+
+PartialItem::~PartialItem() {
+  if (record_) ::unlink(recordPath_.c_str());
+}
+
+Status PartialItem::write(std::string_view content) {
+  const ssize_t written = ::write(record_.get(), content.data(), content.size());
+  if (written == static_cast<ssize_t>(content.size())) return success();
+  if (written >= 0) errno = ENOSPC;
+  return failureAt("write", recordPath_);
+}
+
+void PartialItem::keepRecord() {
+  record_.reset();
+}
+
+PartialItems::PartialItems(std::string recordFolder) : recordFolder_(std::move(recordFolder)) {}
+
+Result<PartialItem> PartialItems::begin(const ItemReference& destination) const {
+  std::error_code cause;
+  std::filesystem::create_directories(recordFolder_, cause);
+  if (cause) return SystemError{"create", recordFolder_, cause};
+  struct stat status = {};
+  if (::fstat(destination.parentDescriptor, &status) != 0) {
+    return failureAt("stat the folder of", destination.path);
+  }
+  const std::string recordPath =
+      appendingPathComponent(recordFolder_, randomHiddenName(recordKind));
+  Result<FileDescriptor> record = createLockedRecord(recordPath);
+  if (!record) return record.error();
+  PartialItem partial(randomHiddenName(partialKind), recordPath, std::move(record).value());
+  const Record content = {std::to_string(status.st_dev), std::to_string(status.st_ino),
+                          partial.name(), pathOfFolder(destination)};
+  if (Status written = partial.write(content.written()); !written) return written.error();
+  return partial;
+}
+
+void PartialItems::clearLeftovers(Log& log) const {
+  const Status cleared = clearRecords(recordFolder_, log);
+  if (!cleared) log.write("Partial items are left alone: " + cleared.error().describe());
+}
+
+}  // namespace tavrin

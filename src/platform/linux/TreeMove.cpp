@@ -1,0 +1,66 @@
+#include "platform/linux/TreeMove.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "platform/linux/FolderEntry.h"
+#include "platform/linux/FolderOpening.h"
+#include "platform/linux/ItemNaming.h"
+#include "platform/linux/PartialCopy.h"
+#include "platform/linux/TreeRemoval.h"
+
+namespace tavrin {
+namespace {
+
+bool isIntoItself(const ItemReference& source, const ItemReference& destination) {
+  struct stat status = {};
+  return ::fstatat(source.parentDescriptor, source.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) ==
+             0 &&
+         S_ISDIR(status.st_mode) && isFolderAtOrBelow(destination.parentDescriptor, status);
+}
+
+Status moveAcrossFileSystems(const ItemReference& source, const ItemReference& destination,
+                             PartialItems& partials) {
+  if (::faccessat(source.parentDescriptor, ".", W_OK | X_OK, AT_EACCESS) != 0) {
+    return FolderEntry(source).failure("remove", errno);
+  }
+  PartialCopy copy(source, destination, partials, CopyPurpose::Move);
+  if (Status built = copy.build(); !built) return built;
+  const Result<TimeGranularity> granularity = copy.timeGranularity();
+  if (!granularity) return granularity.error();
+  if (Status durable = copy.makeDurable(); !durable) return durable;
+  if (Status named = copy.giveName(); !named) return named;
+  // Leftovers of a power cut are removed at the next start: the source must not go before the copy
+  // has its name for good.
+  if (Status durable = copy.makeNameDurable(); !durable) return durable;
+  return removeCopiedItem(source, destination, granularity.value());
+}
+
+}  // namespace
+
+Status moveItem(const ItemReference& source, const ItemReference& destination,
+                PartialItems& partials) {
+  if (::renameat2(source.parentDescriptor, source.name.c_str(), destination.parentDescriptor,
+                  destination.name.c_str(), RENAME_NOREPLACE) == 0) {
+    return success();
+  }
+  int cause = errno;
+  if (cause == EINVAL && isIntoItself(source, destination)) {
+    return FolderEntry(destination).failure("move a folder into itself", EINVAL);
+  }
+  if (cause == EINVAL || cause == ENOSYS) {
+    cause = renameToFreeName(source.parentDescriptor, source.name, destination.parentDescriptor,
+                             destination.name)
+                .value();
+    if (cause == 0) return success();
+  }
+  if (cause == EXDEV) return moveAcrossFileSystems(source, destination, partials);
+  const bool isDestinationsFault = cause == EEXIST || cause == ENOSPC || cause == ENAMETOOLONG;
+  return FolderEntry(isDestinationsFault ? destination : source).failure("move", cause);
+}
+
+}  // namespace tavrin

@@ -14,12 +14,15 @@ class SeededStore {
 
   void seed(const std::string& key, const PropertyList& value) {
     if (std::binary_search(presentKeys_.begin(), presentKeys_.end(), key)) return;
-    store_.setObjectIfAbsent(value, key);
+    if (store_.setObjectIfAbsent(value, key)) hasNewValues_ = true;
   }
+
+  bool hasNewValues() const { return hasNewValues_; }
 
  private:
   UserDefaults& store_;
   const std::vector<std::string> presentKeys_;
+  bool hasNewValues_ = false;
 };
 
 }  // namespace
@@ -32,7 +35,8 @@ void seedSettings(const DefaultSettings& defaults, UserDefaults& standard,
     seededSuite.seed(key, value);
     seededStandard.seed(key, value);
   }
-  sharedSuite.synchronize();
+  // Every start passes here, and waiting for the disk is the dearest thing it could do.
+  if (seededSuite.hasNewValues()) sharedSuite.synchronize();
 }
 
 }  // namespace tavrin

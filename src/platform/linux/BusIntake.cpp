@@ -1,0 +1,293 @@
+#include "platform/linux/BusIntake.h"
+
+#include <algorithm>
+#include <optional>
+#include <string_view>
+#include <thread>
+
+#include "foundation/FileURL.h"
+#include "platform/linux/BusHandOver.h"
+#include "platform/linux/GLibPointers.h"
+#include "platform/linux/Identity.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr int busTimeoutMilliseconds = 5000;
+constexpr unsigned doNotQueue = 4;
+constexpr unsigned primaryOwner = 1;
+constexpr unsigned alreadyOwner = 4;
+
+constexpr const char* introspection =
+    "<node><interface name='org.freedesktop.Application'>"
+    "<method name='Activate'><arg type='a{sv}' direction='in'/></method>"
+    "<method name='Open'><arg type='as' direction='in'/><arg type='a{sv}' direction='in'/></method>"
+    "<method name='ActivateAction'><arg type='s' direction='in'/><arg type='av' direction='in'/>"
+    "<arg type='a{sv}' direction='in'/></method>"
+    "</interface></node>";
+
+/// Makes a context the one that GLib's asynchronous answers of this thread come to.
+class ThreadDefaultContext {
+ public:
+  explicit ThreadDefaultContext(GMainContext* context) : context_(context) {
+    g_main_context_push_thread_default(context_);
+  }
+  ~ThreadDefaultContext() { g_main_context_pop_thread_default(context_); }
+  ThreadDefaultContext(const ThreadDefaultContext&) = delete;
+  ThreadDefaultContext& operator=(const ThreadDefaultContext&) = delete;
+
+ private:
+  GMainContext* context_;
+};
+
+/// A connection that is nobody else's, so that its end never ends the process.
+GObjectPointer<GDBusConnection> connectToSessionBus(GLibError& error) {
+  const GLibPointer<char> address(
+      g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, error.slot()));
+  if (!address) return nullptr;
+  const auto flags =
+      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  return GObjectPointer<GDBusConnection>(
+      g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, error.slot()));
+}
+
+GLibPointer<GVariant> callBus(GDBusConnection* connection, const char* method, GVariant* arguments,
+                              GLibError& error) {
+  return GLibPointer<GVariant>(g_dbus_connection_call_sync(
+      connection, "org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus", method,
+      arguments, G_VARIANT_TYPE("(u)"), G_DBUS_CALL_FLAGS_NONE, busTimeoutMilliseconds, nullptr,
+      error.slot()));
+}
+
+bool isFileUri(std::string_view uri) {
+  constexpr std::string_view scheme = "file:";
+  return uri.size() > scheme.size() && g_ascii_strncasecmp(uri.data(), scheme.data(), 5) == 0;
+}
+
+}  // namespace
+
+struct BusIntake::State {
+  State(AcceptedRequests& acceptedRequests, Log& systemLog)
+      : accepted(acceptedRequests), log(systemLog) {}
+  State(const State&) = delete;
+  State& operator=(const State&) = delete;
+  ~State() {
+    stop();
+    if (!connection) return;
+    g_signal_handler_disconnect(connection.get(), closedHandler);
+    g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
+  }
+
+  bool connect();
+  bool exportObject();
+  std::optional<bool> claimName();
+  Outcome claimOrHandOver(const Launch& launch);
+  void acceptLaunch(const Launch& launch);
+  void serve();
+  void releaseName();
+  void stop();
+
+  void handle(std::string_view method, GVariant* arguments, GDBusMethodInvocation* invocation);
+  void acceptOpen(GVariant* arguments);
+  bool acceptAction(std::string_view action);
+
+  static void onMethodCall(GDBusConnection*, const char*, const char*, const char*,
+                           const char* method, GVariant* arguments,
+                           GDBusMethodInvocation* invocation, gpointer state) {
+    static_cast<State*>(state)->handle(method, arguments, invocation);
+  }
+  static void onClosed(GDBusConnection*, gboolean, GError*, gpointer state) {
+    static_cast<State*>(state)->log.write("the session bus has gone");
+    static_cast<State*>(state)->accepted.push({{ExternalRequest::Kind::Terminate}});
+  }
+  static gboolean onStop(gpointer state) {
+    static_cast<State*>(state)->releaseName();
+    return G_SOURCE_REMOVE;
+  }
+
+  AcceptedRequests& accepted;
+  Log& log;
+  GLibPointer<GMainContext> context{g_main_context_new()};
+  GLibPointer<GMainLoop> loop{g_main_loop_new(context.get(), FALSE)};
+  GObjectPointer<GDBusConnection> connection;
+  gulong closedHandler = 0;
+  unsigned registration = 0;
+  std::string whyNoRequests;
+  std::thread thread;
+};
+
+bool BusIntake::State::connect() {
+  const ThreadDefaultContext answersComeHere(context.get());
+  GLibError error;
+  connection = connectToSessionBus(error);
+  if (!connection) {
+    whyNoRequests = error.message();
+    return false;
+  }
+  closedHandler = g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), this);
+  return exportObject();
+}
+
+/// Before the name is claimed, so that nobody finds the name without the object.
+bool BusIntake::State::exportObject() {
+  static constexpr GDBusInterfaceVTable methods = {onMethodCall, nullptr, nullptr, {}};
+  GLibError error;
+  const GLibPointer<GDBusNodeInfo> node(g_dbus_node_info_new_for_xml(introspection, error.slot()));
+  if (node) {
+    registration = g_dbus_connection_register_object(connection.get(), applicationObjectPath,
+                                                     node->interfaces[0], &methods, this, nullptr,
+                                                     error.slot());
+  }
+  if (registration == 0) whyNoRequests = error.message();
+  return registration != 0;
+}
+
+/// Whether the name is this program's now; nothing when the bus does not say.
+std::optional<bool> BusIntake::State::claimName() {
+  GLibError error;
+  const auto answer = callBus(connection.get(), "RequestName",
+                              g_variant_new("(su)", identity::applicationId, doNotQueue), error);
+  if (!answer) {
+    whyNoRequests = error.message();
+    return std::nullopt;
+  }
+  unsigned owner = 0;
+  g_variant_get(answer.get(), "(u)", &owner);
+  return owner == primaryOwner || owner == alreadyOwner;
+}
+
+BusIntake::Outcome BusIntake::State::claimOrHandOver(const Launch& launch) {
+  using Clock = std::chrono::steady_clock;
+  const auto deadline = Clock::now() + launch.patience;
+  for (;;) {
+    const std::optional<bool> claimed = claimName();
+    if (!claimed) return Outcome::WithoutBus;
+    if (*claimed) return Outcome::Primary;
+    if (launch.isService) return Outcome::HandedOver;
+
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    const auto timeout = static_cast<int>(std::max<std::int64_t>(left.count(), 1));
+    switch (handOver(connection.get(), launch, timeout, log)) {
+      case HandOver::Accepted:
+        return Outcome::HandedOver;
+      case HandOver::Failed:
+        return Outcome::Refused;
+      case HandOver::OwnerGone:
+        break;
+    }
+  }
+}
+
+void BusIntake::State::acceptLaunch(const Launch& launch) {
+  std::vector<ExternalRequest> requests;
+  for (const std::string& file : launch.files) {
+    requests.push_back({ExternalRequest::Kind::Open, file});
+  }
+  accepted.push(requests);
+}
+
+void BusIntake::State::serve() {
+  if (!whyNoRequests.empty()) {
+    log.write("takes no requests from the session bus: " + whyNoRequests);
+    return;
+  }
+  thread = std::thread([this] {
+    const ThreadDefaultContext answersComeHere(context.get());
+    g_main_loop_run(loop.get());
+  });
+}
+
+void BusIntake::State::handle(std::string_view method, GVariant* arguments,
+                              GDBusMethodInvocation* invocation) {
+  if (method == "Activate") {
+    accepted.push({{ExternalRequest::Kind::Reopen}});
+  } else if (method == "Open") {
+    acceptOpen(arguments);
+  } else {
+    const char* action = nullptr;
+    g_variant_get_child(arguments, 0, "&s", &action);
+    if (!acceptAction(action)) {
+      g_dbus_method_invocation_return_error(invocation, G_DBUS_ERROR, G_DBUS_ERROR_INVALID_ARGS,
+                                            "There is no action \"%s\"", action);
+      return;
+    }
+  }
+  g_dbus_method_invocation_return_value(invocation, nullptr);
+}
+
+void BusIntake::State::acceptOpen(GVariant* arguments) {
+  const GLibPointer<GVariant> uris(g_variant_get_child_value(arguments, 0));
+  std::vector<ExternalRequest> requests;
+  for (gsize index = 0; index < g_variant_n_children(uris.get()); ++index) {
+    const char* uri = nullptr;
+    g_variant_get_child(uris.get(), index, "&s", &uri);
+    const auto url = isFileUri(uri) ? FileURL::urlWithString(uri) : std::nullopt;
+    if (url) {
+      requests.push_back({ExternalRequest::Kind::Open, url->path()});
+    } else {
+      log.write("cannot open what is no file: " + std::string(uri));
+    }
+  }
+  accepted.push(requests);
+}
+
+bool BusIntake::State::acceptAction(std::string_view action) {
+  const bool isQuit = action == "quit";
+  if (!isQuit && action != "preferences") return false;
+  accepted.push({{isQuit ? ExternalRequest::Kind::Terminate : ExternalRequest::Kind::Reopen}});
+  return true;
+}
+
+void BusIntake::State::stop() {
+  if (!thread.joinable()) return;
+  // Not g_main_context_invoke: it would run the work here when the thread is not in its loop yet.
+  const auto stopping = g_idle_source_new();
+  g_source_set_callback(stopping, onStop, this, nullptr);
+  g_source_attach(stopping, context.get());
+  g_source_unref(stopping);
+  thread.join();
+}
+
+void BusIntake::State::releaseName() {
+  if (g_dbus_connection_is_closed(connection.get()) == FALSE) {
+    GLibError error;
+    const auto answer = callBus(connection.get(), "ReleaseName",
+                                g_variant_new("(s)", identity::applicationId), error);
+    if (!answer) log.write("release of the name on the session bus: " + error.message());
+    // The bus delivers in order: each call that the name brought here came before the answer and
+    // waits in the context now.
+    while (g_main_context_iteration(context.get(), FALSE) != FALSE) continue;
+    g_dbus_connection_unregister_object(connection.get(), registration);
+    g_dbus_connection_flush_sync(connection.get(), nullptr, nullptr);
+  }
+  g_main_loop_quit(loop.get());
+}
+
+BusIntake::BusIntake(AcceptedRequests& accepted, Log& log)
+    : state_(std::make_unique<State>(accepted, log)) {}
+
+BusIntake::~BusIntake() = default;
+
+BusIntake::Outcome BusIntake::start(const Launch& launch) {
+  const Outcome outcome = state_->connect() ? state_->claimOrHandOver(launch) : Outcome::WithoutBus;
+  if (outcome == Outcome::HandedOver || outcome == Outcome::Refused) return outcome;
+  state_->acceptLaunch(launch);
+  return outcome;
+}
+
+void BusIntake::serve() {
+  state_->serve();
+}
+
+GDBusConnection* BusIntake::connection() const {
+  return state_->connection.get();
+}
+
+void BusIntake::stop() {
+  state_->stop();
+}
+
+}  // namespace tavrin

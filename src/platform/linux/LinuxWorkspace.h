@@ -1,0 +1,43 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "platform/Log.h"
+#include "platform/Workspace.h"
+#include "platform/linux/SleepSignal.h"
+
+typedef struct _GDBusConnection GDBusConnection;
+typedef struct _GCancellable GCancellable;
+
+namespace tavrin {
+
+/// The desktop around the program: the file manager behind org.freedesktop.FileManager1, or else
+/// the default application for folders; logind for the system's sleep.
+class LinuxWorkspace final : public Workspace {
+ public:
+  /// `connection` is the session bus, null when there is none. Both outlive the workspace.
+  LinuxWorkspace(GDBusConnection* connection, Log& log);
+  ~LinuxWorkspace() override;
+
+  void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override;
+
+  /// A bundle is a folder: it is started by the program in it that is named like the folder without
+  /// its extension, or "AppRun". The launched program is no child of this one. A failure reaches
+  /// the log.
+  bool launchApplication(const std::string& path) override;
+
+  [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
+
+ private:
+  struct GObjectRelease {
+    void operator()(GCancellable* cancellable) const;
+  };
+
+  GDBusConnection* connection_;
+  Log& log_;
+  std::unique_ptr<GCancellable, GObjectRelease> pendingCalls_;
+  SleepSignal sleepSignal_;
+};
+
+}  // namespace tavrin

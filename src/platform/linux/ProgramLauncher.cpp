@@ -1,0 +1,40 @@
+#include "platform/linux/ProgramLauncher.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "platform/linux/GLibPointers.h"
+
+namespace tavrin {
+
+namespace {
+
+void becomeSessionLeader(gpointer) {
+  ::setsid();
+}
+
+std::error_code causeOf(const GLibError& error) {
+  const auto reason = error.matches(G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT)    ? ENOENT
+                      : error.matches(G_SPAWN_ERROR, G_SPAWN_ERROR_ACCES)  ? EACCES
+                      : error.matches(G_SPAWN_ERROR, G_SPAWN_ERROR_NOEXEC) ? ENOEXEC
+                                                                           : EIO;
+  return {reason, std::generic_category()};
+}
+
+}  // namespace
+
+Status launchProgram(const std::string& path, const std::vector<std::string>& arguments) {
+  std::vector<char*> argv = {const_cast<char*>(path.c_str())};
+  for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
+  argv.push_back(nullptr);
+  GLibError error;
+  // Without G_SPAWN_DO_NOT_REAP_CHILD GLib starts a grandchild and reaps the child between.
+  if (g_spawn_async("/", argv.data(), nullptr, G_SPAWN_STDOUT_TO_DEV_NULL, becomeSessionLeader,
+                    nullptr, nullptr, error.slot()) == FALSE) {
+    return SystemError{"launch", path, causeOf(error)};
+  }
+  return success();
+}
+
+}  // namespace tavrin

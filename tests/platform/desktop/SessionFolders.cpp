@@ -1,0 +1,37 @@
+// The folders of the desktop session in which all tests of the program run: GLib asks for them
+// once.
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <memory>
+
+#include "tests/platform/desktop/DesktopSession.h"
+
+namespace tavrin::test {
+
+namespace {
+
+class SessionFolders : public testing::Environment {
+ public:
+  void SetUp() override {
+    folder_ = std::make_unique<TemporaryFolder>();
+    ::setenv("XDG_DATA_HOME", (*folder_ / "data").c_str(), 1);
+    ::setenv("XDG_DATA_DIRS", (*folder_ / "system").c_str(), 1);
+    ::setenv("XDG_CONFIG_HOME", (*folder_ / "config").c_str(), 1);
+    ::setenv("XDG_RUNTIME_DIR", folder_->path().c_str(), 1);
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS"}) {
+      ::unsetenv(name);
+    }
+  }
+  void TearDown() override { folder_.reset(); }
+
+ private:
+  std::unique_ptr<TemporaryFolder> folder_;
+};
+
+[[maybe_unused]] const auto* const sessionFolders =
+    testing::AddGlobalTestEnvironment(new SessionFolders);
+
+}  // namespace
+
+}  // namespace tavrin::test

@@ -118,12 +118,13 @@ Result<FakeFileManager::Place> FakeFileManager::place(const std::string& operati
     if (!isCovered("/", access)) return failure(operation, path, std::errc::permission_denied);
     return Place{"/", nullptr, "", root_};
   }
-  const auto parent = follow(path.substr(0, path.rfind('/') + 1));
-  if (!parent) return SystemError{operation, path, parent.error().code};
-  const auto& [parentPath, folder] = parent.value();
+  const std::string folderPath = path.substr(0, path.rfind('/') + 1);
   const std::string name = lastPathComponent(path);
-  const std::string realPath = appendingPathComponent(parentPath, name);
+  const std::string realPath = appendingPathComponent(resolvingSymlinksInPath(folderPath), name);
   if (!isCovered(realPath, access)) return failure(operation, path, std::errc::permission_denied);
+  const auto parent = follow(folderPath);
+  if (!parent) return SystemError{operation, path, parent.error().code};
+  const auto& folder = parent.value().second;
   if (folder->kind != Item::Kind::Folder) {
     return failure(operation, path, std::errc::not_a_directory);
   }
@@ -228,8 +229,9 @@ Status FakeFileManager::createFileAtPath(const std::string& path,
 
 Status FakeFileManager::makeMissingFolders(const std::string& path) {
   if (isDirectoryAtPath(path)) return success();
-  const auto made = makeMissingFolders(deletingLastPathComponent(path));
+  auto made = makeMissingFolders(deletingLastPathComponent(path));
   if (!made) return made;
+  if (find(path)) return failure("create folder", path, std::errc::not_a_directory);
   const auto found = freePlace("create folder", path);
   if (!found) return found.error();
   auto folder = makeItem();
@@ -247,7 +249,12 @@ Status FakeFileManager::createDirectoryAtPath(const std::string& path,
     if (!found) return found.error();
     return makeMissingFolders(path);
   }
-  const auto parent = makeMissingFolders(deletingLastPathComponent(path));
+  for (const std::string& name : componentsOf(path)) {
+    if (name.size() > longestName) {
+      return failure("create folder", path, std::errc::filename_too_long);
+    }
+  }
+  auto parent = makeMissingFolders(deletingLastPathComponent(path));
   if (!parent) return parent;
   const auto found = place("create folder", path, Access::Change);
   if (!found) return found.error();

@@ -1,0 +1,167 @@
+#include "platform/linux/LinuxFileManager.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <memory>
+#include <utility>
+
+#include "foundation/PathString.h"
+#include "platform/linux/FileCreation.h"
+#include "platform/linux/FolderCreation.h"
+#include "platform/linux/Identity.h"
+#include "platform/linux/LinuxDirectories.h"
+#include "platform/linux/LongPath.h"
+#include "platform/linux/PrivateFolder.h"
+#include "platform/linux/SymlinkResolution.h"
+#include "platform/linux/SystemErrors.h"
+#include "platform/linux/TreeCopy.h"
+#include "platform/linux/TreeMove.h"
+#include "platform/linux/TreeRemoval.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::size_t largestFileRead = std::size_t{1} << 30;
+constexpr mode_t allRightsThatTheUserLeaves = 0777;
+
+struct FolderCloser {
+  void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+ItemReference reference(const LocatedItem& item) {
+  return {item.parent.get(), item.name, item.path};
+}
+
+std::string recordFolder(const std::string& dataFolder) {
+  return dataFolder + "/" + identity::applicationId + "/partials";
+}
+
+bool isSymbolicLink(const LocatedItem& item) {
+  struct stat status {};
+  return ::fstatat(item.parent.get(), item.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         S_ISLNK(status.st_mode);
+}
+
+bool isFileName(const std::string& name) {
+  return !name.empty() && name != "." && name != ".." &&
+         name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
+}
+
+}  // namespace
+
+LinuxFileManager::LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log)
+    : LinuxFileManager(securityScope, log, userDataDirectory()) {}
+
+LinuxFileManager::LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log,
+                                   std::string dataFolder)
+    : scopes_(securityScope.startedScopes()),
+      log_(log),
+      dataFolder_(std::move(dataFolder)),
+      partialItems_(recordFolder(dataFolder_)) {}
+
+bool LinuxFileManager::fileExistsAtPath(const std::string& path) const {
+  return static_cast<bool>(statusAtPath(path, LastLink::Keep));
+}
+
+bool LinuxFileManager::isDirectoryAtPath(const std::string& path) const {
+  const auto status = statusAtPath(path, LastLink::Follow);
+  return status && S_ISDIR(status.value().st_mode);
+}
+
+std::string LinuxFileManager::resolvingSymlinksInPath(const std::string& path) const {
+  return pathByResolvingSymlinks(path);
+}
+
+Result<std::vector<std::string>> LinuxFileManager::contentsOfDirectoryAtPath(
+    const std::string& path) const {
+  auto opened = scopes_.openFolder(path);
+  if (!opened) return opened.error();
+  const std::unique_ptr<DIR, FolderCloser> folder(::fdopendir(opened.value().get()));
+  if (!folder) return systemError("list", path);
+  opened.value().release();
+  std::vector<std::string> names;
+  while (true) {
+    errno = 0;
+    // Each call has a stream of its own, which is all that readdir asks for.
+    const dirent* entry = ::readdir(folder.get());  // NOLINT(concurrency-mt-unsafe)
+    if (entry == nullptr) break;
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") names.push_back(name);
+  }
+  if (errno != 0) return systemError("list", path);
+  return names;
+}
+
+Result<PropertyList::Data> LinuxFileManager::contentsAtPath(const std::string& path) const {
+  auto located = scopes_.locate(path, ScopeAccess::Read);
+  if (!located) return located.error();
+  if (isSymbolicLink(located.value())) {
+    located = scopes_.locate(pathByResolvingSymlinks(path), ScopeAccess::Read);
+    if (!located) return located.error();
+  }
+  return readFile(reference(located.value()), largestFileRead);
+}
+
+Status LinuxFileManager::createFileAtPath(const std::string& path,
+                                          const PropertyList::Data& contents) {
+  const auto item = scopes_.locate(path, ScopeAccess::Change);
+  if (!item) return item.error();
+  return createFile(reference(item.value()), contents);
+}
+
+Status LinuxFileManager::createDirectoryAtPath(const std::string& path,
+                                               IntermediateDirectories intermediates) {
+  if (intermediates == IntermediateDirectories::Create) {
+    const auto way = scopes_.locateWay(path);
+    if (!way) return way.error();
+    return createFolders(way.value().folder.get(), way.value().names, path);
+  }
+  const auto located = scopes_.locate(path, ScopeAccess::Change);
+  if (!located) return located.error();
+  const LocatedItem& item = located.value();
+  if (::mkdirat(item.parent.get(), item.name.c_str(), allRightsThatTheUserLeaves) != 0) {
+    return systemError("create folder", path);
+  }
+  return success();
+}
+
+Status LinuxFileManager::copyItemAtPath(const std::string& source, const std::string& destination) {
+  const auto from = scopes_.locate(source, ScopeAccess::Read);
+  if (!from) return from.error();
+  const auto to = scopes_.locate(destination, ScopeAccess::Change);
+  if (!to) return to.error();
+  return copyItem(reference(from.value()), reference(to.value()), partialItems_);
+}
+
+Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {
+  const auto from = scopes_.locate(source, ScopeAccess::Change);
+  if (!from) return from.error();
+  const auto to = scopes_.locate(destination, ScopeAccess::Change);
+  if (!to) return to.error();
+  return moveItem(reference(from.value()), reference(to.value()), partialItems_);
+}
+
+Status LinuxFileManager::removeItemAtPath(const std::string& path) {
+  const auto item = scopes_.locate(path, ScopeAccess::Change);
+  if (!item) return item.error();
+  return removeItem(reference(item.value()));
+}
+
+std::optional<std::string> LinuxFileManager::containerPathForSecurityApplicationGroupIdentifier(
+    const std::string& groupIdentifier) {
+  if (!isFileName(groupIdentifier)) return std::nullopt;
+  const std::string path = appendingPathComponent(dataFolder_, groupIdentifier);
+  const auto folder = openPrivateFolder(path);
+  if (folder) return path;
+  log_.write("no group container: " + folder.error().describe());
+  return std::nullopt;
+}
+
+void LinuxFileManager::clearLeftovers() {
+  partialItems_.clearLeftovers(log_);
+}
+
+}  // namespace tavrin

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <string>
+
+#include "platform/FileManager.h"
+#include "platform/Log.h"
+#include "platform/linux/LinuxSecurityScope.h"
+#include "platform/linux/PartialItems.h"
+
+namespace tavrin {
+
+/// FileManager by handles beneath the started scopes (see StartedScopes).
+class LinuxFileManager final : public FileManager {
+ public:
+  /// Containers and the records of partial items lie below $XDG_DATA_HOME.
+  LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log);
+
+  /// The same with another folder, an absolute path, than $XDG_DATA_HOME.
+  LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log, std::string dataFolder);
+
+  bool fileExistsAtPath(const std::string& path) const override;
+  bool isDirectoryAtPath(const std::string& path) const override;
+  std::string resolvingSymlinksInPath(const std::string& path) const override;
+  Result<std::vector<std::string>> contentsOfDirectoryAtPath(
+      const std::string& path) const override;
+  /// A file of more than a gibibyte is file_too_large.
+  Result<PropertyList::Data> contentsAtPath(const std::string& path) const override;
+  Status createFileAtPath(const std::string& path, const PropertyList::Data& contents) override;
+  Status createDirectoryAtPath(const std::string& path,
+                               IntermediateDirectories intermediates) override;
+  Status copyItemAtPath(const std::string& source, const std::string& destination) override;
+  Status moveItemAtPath(const std::string& source, const std::string& destination) override;
+  Status removeItemAtPath(const std::string& path) override;
+  /// "$XDG_DATA_HOME/<group>"; nothing for an identifier that is no file name.
+  std::optional<std::string> containerPathForSecurityApplicationGroupIdentifier(
+      const std::string& groupIdentifier) override;
+
+  /// Removes what killed processes of the program have left half made. For an idle moment.
+  void clearLeftovers();
+
+ private:
+  const StartedScopes& scopes_;
+  Log& log_;
+  std::string dataFolder_;
+  PartialItems partialItems_;
+};
+
+}  // namespace tavrin

@@ -16,7 +16,8 @@ class DefaultsChangeSource {
   /// Readable when something may have changed; stays the same. -1 when the system has none left.
   int descriptor();
 
-  /// Watches a folder from now on; one that is watched already stays so. A failure reaches the log.
+  /// Watches a folder from now on; one that is watched already stays so, and for "" only `wake` is
+  /// made ready. A failure reaches the log.
   void watch(const std::string& folder);
 
   /// Makes the descriptor readable. Any thread may call it once `watch` was called.

@@ -49,7 +49,7 @@ std::optional<std::string> DefaultsDomain::fingerprint(const std::string& key) {
 Observation DefaultsDomain::observe(int object, const std::string& key,
                                     UserDefaults::Observer changed) {
   // Before the value is looked at, so that no change falls between.
-  changes_->watch(database_.folder());
+  watchFolder();
   forgetEnded();
   auto watcher =
       std::make_shared<Watcher>(Watcher{object, key, std::move(changed), fingerprint(key)});
@@ -99,7 +99,11 @@ void DefaultsDomain::watchAgain() {
   if (watchers_.empty()) return;
   // Makes the folder where it is gone.
   static_cast<void>(database_.stamp());
-  changes_->watch(database_.folder());
+  watchFolder();
+}
+
+void DefaultsDomain::watchFolder() {
+  changes_->watch(database_.isStored() ? database_.folder() : std::string());
 }
 
 }  // namespace tavrin

@@ -61,6 +61,7 @@ class DefaultsDomain {
   void tell(Predicate concerned);
   std::optional<std::string> fingerprint(const std::string& key);
   void forgetEnded();
+  void watchFolder();
 
   DefaultsDatabase database_;
   std::shared_ptr<DefaultsChangeSource> changes_;

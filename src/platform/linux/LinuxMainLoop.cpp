@@ -30,14 +30,17 @@ bool LinuxMainLoop::isMainThread() const {
   return QThread::currentThread() == waker_.thread();
 }
 
-// The work waits in a queue of our own and an event only says so: one event runs one piece, so that
-// a modal panel that a piece shows keeps the order of the pieces behind it.
 void LinuxMainLoop::async(std::function<void()> work) {
-  {
-    const std::lock_guard lock(mutex_);
-    queue_.push_back(std::move(work));
-    changed_.notify_all();
-  }
+  const std::lock_guard lock(mutex_);
+  queue_.push_back(std::move(work));
+  changed_.notify_all();
+  if (queue_.size() == 1) postWakeUp();
+}
+
+// The work waits in a queue of our own and one event says so; it runs one piece. While more is
+// waiting the next event is posted before the piece runs: a nested loop sleeps over events that
+// were posted before it began, and a piece may show a modal panel.
+void LinuxMainLoop::postWakeUp() {
   QCoreApplication::postEvent(&waker_, new QEvent(QEvent::User));
 }
 
@@ -93,6 +96,7 @@ bool LinuxMainLoop::runNextQueued() {
     if (queue_.empty()) return false;
     work = std::move(queue_.front());
     queue_.pop_front();
+    if (!queue_.empty()) postWakeUp();
   }
   runGuarded(work);
   return true;

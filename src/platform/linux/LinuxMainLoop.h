@@ -40,6 +40,7 @@ class LinuxMainLoop final : public MainLoop {
     LinuxMainLoop& loop_;
   };
 
+  void postWakeUp();
   bool runNextQueued();
   void runGuarded(const std::function<void()>& work) noexcept;
   void backgroundWorkEnded();

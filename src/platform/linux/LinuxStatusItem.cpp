@@ -46,8 +46,8 @@ LinuxStatusItem::LinuxStatusItem(std::string iconFolder)
 LinuxStatusItem::~LinuxStatusItem() = default;
 
 void LinuxStatusItem::setTemplateImageNamed(const std::string& name) {
-  icon_ = templateIcon(iconFolder_, name);
-  if (trayIcon_) trayIcon_->setIcon(icon_);
+  imageName_ = name;
+  if (trayIcon_) trayIcon_->setIcon(templateIcon(iconFolder_, imageName_));
 }
 
 void LinuxStatusItem::setMenu(std::vector<MenuItem> menu) {
@@ -82,7 +82,7 @@ void LinuxStatusItem::showOrRemove() {
     return;
   }
   if (trayIcon_) return;
-  trayIcon_ = std::make_unique<QSystemTrayIcon>(icon_);
+  trayIcon_ = std::make_unique<QSystemTrayIcon>(templateIcon(iconFolder_, imageName_));
   trayIcon_->setToolTip(QCoreApplication::applicationName());
   if (menu_) trayIcon_->setContextMenu(menu_.get());
   QObject::connect(trayIcon_.get(), &QSystemTrayIcon::activated, trayIcon_.get(),

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <QIcon>
 #include <QMenu>
 #include <QSystemTrayIcon>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "platform/StatusItem.h"
 #include "platform/linux/StatusNotifierHost.h"
@@ -33,7 +34,7 @@ class LinuxStatusItem final : public StatusItem {
   void runFirstAction();
 
   std::string iconFolder_;
-  QIcon icon_;
+  std::string imageName_;
   std::vector<MenuItem> items_;
   std::unique_ptr<QMenu> menu_;
   std::unique_ptr<QSystemTrayIcon> trayIcon_;

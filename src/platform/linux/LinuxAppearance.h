@@ -22,7 +22,7 @@ class LinuxAppearance final : public QObject {
  private Q_SLOTS:
   void settingChanged(const QDBusMessage& message);
 
- private:
+ private:  // NOLINT(readability-redundant-access-specifiers): the slots above are Qt's
   void readColorScheme();
   void tell(bool isDark);
 

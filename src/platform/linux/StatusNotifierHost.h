@@ -21,7 +21,7 @@ class StatusNotifierHost final : public QObject {
  private Q_SLOTS:
   void askForHost();
 
- private:
+ private:  // NOLINT(readability-redundant-access-specifiers): the slots above are Qt's
   void setAvailable(bool isAvailable);
 
   std::function<void()> availabilityChanged_;

@@ -54,7 +54,7 @@ Status writeThrough(const std::string& file, std::string_view text) {
 }
 
 Status fillTemporary(const FileDescriptor& file, const std::string& name, std::string_view text) {
-  if (const Status written = writeAll(file.get(), text, name); !written) return written;
+  if (Status written = writeAll(file.get(), text, name); !written) return written;
   if (::fsync(file.get()) != 0) return lastError("synchronize", name);
   return success();
 }

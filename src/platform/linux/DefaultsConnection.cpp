@@ -10,6 +10,10 @@ constexpr int busyMilliseconds = 20'000;
 constexpr int attempts = 4;
 constexpr int schemaVersion = 1;
 
+/// Beside SQLite's own results: no database yet, and no longer the file that has the name.
+constexpr int withoutSchema = -1;
+constexpr int fileReplaced = -2;
+
 constexpr const char* schema = R"(
   CREATE TABLE IF NOT EXISTS setting(
     id INTEGER PRIMARY KEY, key BLOB NOT NULL UNIQUE, value BLOB NOT NULL);
@@ -24,7 +28,7 @@ constexpr const char* schema = R"(
 
 bool isDamage(int status) {
   // A missing table, which makes preparing fail with the plain error, is damage too.
-  const int primary = status & 0xFF;
+  const int primary = status < 0 ? SQLITE_OK : status & 0xFF;
   return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
 }
 
@@ -36,6 +40,10 @@ DefaultsConnection::DefaultsConnection(std::string folder, Log& log,
   open();
 }
 
+DefaultsConnection::~DefaultsConnection() {
+  if (!isInMemory_ && file_.identity() != opened_) connection_.abandon();
+}
+
 void DefaultsConnection::report(const char* what, int status) {
   log_.write(std::string(what) + " settings in " + file_.folder() + ": " + sqlite3_errstr(status));
 }
@@ -44,14 +52,19 @@ void DefaultsConnection::open() {
   ++generation_;
   if (file_.folder().empty()) return openInMemory("the domain has no folder");
   std::string reason;
-  for (int attempt = 0; attempt < attempts; ++attempt) {
+  for (int replacements = 0; replacements < attempts;) {
     const int status = openFile(reason);
     if (status == SQLITE_OK) {
       hadDatabase_ = true;
       return;
     }
+    if (status == fileReplaced) {
+      connection_.abandon();
+      continue;
+    }
     if (reason.empty()) reason = sqlite3_errstr(status);
-    if (isDamage(status) && !replaceDamaged()) break;
+    if (!isDamage(status) || !replaceDamaged()) break;
+    ++replacements;
   }
   openInMemory(reason);
 }
@@ -64,12 +77,12 @@ int DefaultsConnection::openFile(std::string& reason) {
     return SQLITE_CANTOPEN;
   }
   opened_ = file_.identity();
-  const int status = opened_ == DefaultsFile::Identity{} ? SQLITE_EMPTY : openExisting();
-  if (status != SQLITE_EMPTY) return status;
+  const int status = opened_ == DefaultsFile::Identity{} ? withoutSchema : openExisting();
+  // Another process may have set the file aside between the look at its name and here.
+  if (status != withoutSchema) return file_.identity() == opened_ ? status : fileReplaced;
   return initialize();
 }
 
-/// SQLITE_EMPTY stands for a database without the schema.
 int DefaultsConnection::openExisting() {
   int status = connection_.open(file_.path(), SQLITE_OPEN_READWRITE);
   if (status != SQLITE_OK) return status;
@@ -80,9 +93,7 @@ int DefaultsConnection::openExisting() {
   if (status != SQLITE_OK) return status;
   SqliteQuery version = connection_.query("PRAGMA user_version");
   if (!version.nextRow()) return version.status();
-  if (version.integer(0) == 0) return SQLITE_EMPTY;
-  // The file may have been set aside between the look at its name and the opening.
-  return file_.identity() == opened_ ? SQLITE_OK : SQLITE_BUSY;
+  return version.integer(0) == 0 ? withoutSchema : SQLITE_OK;
 }
 
 int DefaultsConnection::initialize() {
@@ -90,13 +101,30 @@ int DefaultsConnection::initialize() {
   if (!file_.ensureFile()) return SQLITE_CANTOPEN;
   opened_ = file_.identity();
   int status = openExisting();
-  if (status != SQLITE_EMPTY) return status;
-  status = connection_.execute("PRAGMA journal_mode=WAL");
+  if (status != withoutSchema) return status;
+  // Nothing is there to lose yet: one wait for the disk at the end does for all steps.
+  status = connection_.execute("PRAGMA synchronous=OFF");
+  if (status == SQLITE_OK) status = useWriteAheadLog();
   if (status == SQLITE_OK) {
     status = connection_.execute("BEGIN IMMEDIATE;" + std::string(schema) + "PRAGMA user_version=" +
                                  std::to_string(schemaVersion) + "; COMMIT");
   }
+  if (status == SQLITE_OK) status = connection_.execute("PRAGMA synchronous=NORMAL");
+  if (status == SQLITE_OK) status = syncFile(SQLITE_FCNTL_FILE_POINTER);
+  if (status == SQLITE_OK) status = syncFile(SQLITE_FCNTL_JOURNAL_POINTER);
+  file_.makeFolderDurable();
   if (status == SQLITE_OK && hadDatabase_) startedAfresh_();
+  return status;
+}
+
+int DefaultsConnection::useWriteAheadLog() {
+  // Others look at the new file for a moment before they wait for the lock, and SQLite does not
+  // wait for them here.
+  int status = SQLITE_BUSY;
+  for (int turn = 0; turn < busyMilliseconds && (status & 0xFF) == SQLITE_BUSY; ++turn) {
+    if (turn > 0) sqlite3_sleep(1);
+    status = connection_.execute("PRAGMA journal_mode=WAL");
+  }
   return status;
 }
 
@@ -129,7 +157,7 @@ void DefaultsConnection::copySavedValues() {
 bool DefaultsConnection::replaceDamaged() {
   if (isInMemory_) return false;
   const DefaultsFile::Lock lock(file_);
-  connection_.close();
+  connection_.abandon();
   // Another process may have replaced it while this one waited.
   if (file_.identity() != opened_) return true;
   const auto aside = file_.setAside();
@@ -145,7 +173,7 @@ bool DefaultsConnection::replaceDamaged() {
 
 void DefaultsConnection::ensureCurrent() {
   if (isInMemory_ || (connection_.isOpen() && file_.identity() == opened_)) return;
-  connection_.close();
+  connection_.abandon();
   file_.forgetLock();
   open();
 }
@@ -203,15 +231,18 @@ bool DefaultsConnection::write(const Work& work) {
   return false;
 }
 
+int DefaultsConnection::syncFile(int which) {
+  sqlite3_file* file = nullptr;
+  sqlite3_file_control(connection_.handle(), "main", which, static_cast<void*>(&file));
+  if (file == nullptr || file->pMethods == nullptr) return SQLITE_OK;
+  return file->pMethods->xSync(file, SQLITE_SYNC_NORMAL);
+}
+
 bool DefaultsConnection::synchronize() {
   if (isInMemory_) return false;
   ensureCurrent();
   // Commits are complete in the log before they are on the disk; to sync that one file is enough.
-  sqlite3_file* log = nullptr;
-  sqlite3_file_control(connection_.handle(), "main", SQLITE_FCNTL_JOURNAL_POINTER, &log);
-  const int status = log == nullptr || log->pMethods == nullptr
-                         ? SQLITE_OK
-                         : log->pMethods->xSync(log, SQLITE_SYNC_NORMAL);
+  const int status = syncFile(SQLITE_FCNTL_JOURNAL_POINTER);
   if (status != SQLITE_OK) report("cannot synchronize", status);
   return status == SQLITE_OK;
 }

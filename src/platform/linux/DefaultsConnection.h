@@ -19,6 +19,10 @@ class DefaultsConnection {
   /// `startedAfresh` is called when an empty database took the place of a lost one.
   DefaultsConnection(std::string folder, Log& log, std::function<void()> startedAfresh);
 
+  DefaultsConnection(const DefaultsConnection&) = delete;
+  DefaultsConnection& operator=(const DefaultsConnection&) = delete;
+  ~DefaultsConnection();
+
   /// What a transaction does; false when one of its queries failed. It may run more than once.
   using Work = std::function<bool()>;
 
@@ -48,6 +52,9 @@ class DefaultsConnection {
   int openFile(std::string& reason);
   int openExisting();
   int initialize();
+  int useWriteAheadLog();
+  /// Waits for the disk with the file that SQLite knows under this operation code.
+  int syncFile(int which);
   void openInMemory(const std::string& reason);
   void copySavedValues();
   bool replaceDamaged();

@@ -50,7 +50,7 @@ Status DefaultsFile::ensureFolder() const {
        end = folder_.find('/', end + 1)) {
     const std::string parent = folder_.substr(0, end);
     if (::stat(parent.c_str(), &status) == 0) continue;
-    if (const Status made = makeFolder(parent); !made) return made;
+    if (Status made = makeFolder(parent); !made) return made;
   }
   return makeFolder(folder_);
 }
@@ -59,6 +59,10 @@ Status DefaultsFile::ensureFile() const {
   const FileDescriptor file(::open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
   if (file || errno == EEXIST) return success();
   return lastError("make", path_);
+}
+
+void DefaultsFile::makeFolderDurable() const {
+  makeDurable(folder_);
 }
 
 DefaultsFile::Identity DefaultsFile::identity() const {

@@ -24,6 +24,9 @@ class DefaultsFile {
   /// Makes an empty file for this user alone where there is none.
   Status ensureFile() const;
 
+  /// Makes the names in the folder outlive a power cut.
+  void makeFolderDurable() const;
+
   /// Which file stands under the name.
   struct Identity {
     dev_t device = 0;

@@ -63,6 +63,13 @@ void SqliteConnection::close() {
   handle_ = nullptr;
 }
 
+void SqliteConnection::abandon() {
+  if (handle_ != nullptr) {
+    sqlite3_db_config(handle_, SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+  }
+  close();
+}
+
 int SqliteConnection::execute(const std::string& statements) {
   return sqlite3_exec(handle_, statements.c_str(), nullptr, nullptr, nullptr);
 }

@@ -52,6 +52,8 @@ class SqliteConnection {
   /// connection is closed.
   int open(const std::string& path, int flags);
   void close();
+  /// Closes without touching the log, which may by now belong to another file of the same name.
+  void abandon();
   bool isOpen() const { return handle_ != nullptr; }
 
   /// Runs statements that return no rows. Returns SQLite's status.

@@ -188,23 +188,29 @@ TEST_F(LinuxDefaults, KilledAtAnyMomentItKeepsWholeValues) {
   };
   std::int64_t last = 0;
   for (int round = 0; round < rounds; ++round) {
+    int started[2];
+    ASSERT_EQ(::pipe(started), 0);
     const pid_t child = inNewProcess([&] {
       LinuxUserDefaultsProvider provider(log_);
       const auto defaults = provider.standardUserDefaults();
-      for (std::int64_t number = last;; ++number) defaults->setObject(valueOf(number), "key");
+      defaults->setObject(valueOf(last + 1), "key");
+      static_cast<void>(::write(started[1], "", 1) == 1);
+      for (std::int64_t number = last + 2;; ++number) defaults->setObject(valueOf(number), "key");
     });
-    ::usleep(static_cast<useconds_t>(500 + (round * 7919) % 30'000));
+    ::close(started[1]);
+    char byte = 0;
+    EXPECT_EQ(::read(started[0], &byte, 1), 1);
+    ::close(started[0]);
+    ::usleep(static_cast<useconds_t>((round * 7919) % 30'000));
     ::kill(child, SIGKILL);
     exitStatus(child);
     const auto value = LinuxUserDefaultsProvider(log_).standardUserDefaults()->objectForKey("key");
-    if (!value) continue;
-    ASSERT_TRUE(value->isArray());
+    ASSERT_TRUE(value && value->isArray());
     const std::int64_t number = value->arrayIfArray()->front().integerValue();
     EXPECT_EQ(*value, valueOf(number));
-    EXPECT_GE(number, last);
+    EXPECT_GT(number, last);
     last = number;
   }
-  EXPECT_GT(last, 0);
   EXPECT_EQ(ask("SELECT count(*) FROM large_data"), 1);
   EXPECT_THAT(log_.lines(), IsEmpty());
 }

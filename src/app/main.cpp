@@ -1,0 +1,128 @@
+#include <unistd.h>
+
+#include <QApplication>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/AppDelegate.h"
+#include "app/CommandLine.h"
+#include "platform/linux/AcceptedRequests.h"
+#include "platform/linux/BusIntake.h"
+#include "platform/linux/DisplayCheck.h"
+#include "platform/linux/Identity.h"
+#include "platform/linux/LinuxLog.h"
+#include "platform/linux/LinuxPlatform.h"
+#include "settings/DefaultSettings.h"
+#include "settings/Seeding.h"
+#include "settings/window/QtPreferencesWindow.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr int usageError = 2;
+
+std::string environmentText(const char* name) {
+  const char* value = std::getenv(name);  // NOLINT(concurrency-mt-unsafe): no thread runs yet
+  return value == nullptr ? std::string() : value;
+}
+
+CommandLine readCommandLine(int argumentCount, char** arguments) {
+  const std::vector<std::string_view> words(arguments + 1, arguments + argumentCount);
+  std::error_code gone;
+  const std::string workingFolder = std::filesystem::current_path(gone).string();
+  return parseCommandLine(words, workingFolder.empty() ? "/" : workingFolder);
+}
+
+/// The exit status of a start that runs no host; nothing when it runs one.
+std::optional<int> answerCommandLine(const CommandLine& commandLine, Log& log) {
+  switch (commandLine.mode) {
+    case CommandLine::Mode::Help:
+      std::fputs(std::string(commandLineHelp()).c_str(), stdout);
+      return EXIT_SUCCESS;
+    case CommandLine::Mode::Version:
+      std::printf("%s %s\n", identity::displayName, identity::version);
+      return EXIT_SUCCESS;
+    case CommandLine::Mode::Invalid:
+      log.write(commandLine.complaint + "; see tavrin --help");
+      return usageError;
+    case CommandLine::Mode::Run:
+    case CommandLine::Mode::Service:
+      break;
+  }
+  return std::nullopt;
+}
+
+BusIntake::Launch launchOf(const CommandLine& commandLine) {
+  BusIntake::Launch launch;
+  launch.files = commandLine.files;
+  launch.activationToken = environmentText("XDG_ACTIVATION_TOKEN");
+  launch.startupId = environmentText("DESKTOP_STARTUP_ID");
+  launch.isService = commandLine.mode == CommandLine::Mode::Service;
+  return launch;
+}
+
+void seedStores(Platform& platform, const DefaultSettings& defaultSettings) {
+  const auto standard = platform.userDefaults.standardUserDefaults();
+  const auto sharedSuite = platform.userDefaults.suite(platform.bundle.groupIdentifier());
+  seedSettings(defaultSettings, *standard, *sharedSuite);
+}
+
+int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake, Log& log) {
+  QCoreApplication::setApplicationName(QString::fromUtf8(identity::displayName));
+  QCoreApplication::setApplicationVersion(QString::fromUtf8(identity::version));
+  QCoreApplication::setOrganizationName(QString::fromUtf8(identity::applicationId));
+  QGuiApplication::setDesktopFileName(QString::fromUtf8(identity::applicationId));
+  int argumentCount = 1;
+  char* arguments[] = {programName, nullptr};
+  const QApplication application(argumentCount, arguments);
+
+  LinuxPlatform linuxPlatform(accepted, intake, log);
+  Platform& platform = linuxPlatform.services();
+  const auto defaultSettings =
+      DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);
+  const auto seed = [&] { seedStores(platform, defaultSettings); };
+  seed();
+  linuxPlatform.setSettingsLost(seed);
+
+  AppDelegate delegate(platform, defaultSettings, [&platform] {
+    return std::make_unique<QtPreferencesWindow>(platform.bundle);
+  });
+  platform.application.setDelegate(&delegate);
+  return platform.application.run();
+}
+
+int start(int argumentCount, char** arguments) {
+  LinuxLog log;
+  const CommandLine commandLine = readCommandLine(argumentCount, arguments);
+  if (const auto status = answerCommandLine(commandLine, log)) return *status;
+
+  // The folder of the start must not be kept from being unmounted.
+  if (::chdir("/") != 0) log.write("cannot leave the folder of the start");
+  // The notices of the buses come by GLib's loop, which Qt then has to run.
+  ::unsetenv("QT_NO_GLIB");  // NOLINT(concurrency-mt-unsafe): no thread runs yet
+
+  AcceptedRequests accepted;
+  BusIntake intake(accepted, log);
+  const BusIntake::Outcome outcome = intake.start(launchOf(commandLine));
+  if (outcome == BusIntake::Outcome::HandedOver) return EXIT_SUCCESS;
+  if (outcome == BusIntake::Outcome::Refused) return EXIT_FAILURE;
+  if (const auto problem = missingDisplay()) {
+    log.write(*problem);
+    return EXIT_FAILURE;
+  }
+  intake.serve();
+  return runHost(arguments[0], accepted, intake, log);
+}
+
+}  // namespace
+
+}  // namespace tavrin
+
+int main(int argumentCount, char** arguments) {
+  return tavrin::start(argumentCount, arguments);
+}

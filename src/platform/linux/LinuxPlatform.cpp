@@ -1,0 +1,125 @@
+#include "platform/linux/LinuxPlatform.h"
+
+#include <QSocketNotifier>
+#include <utility>
+
+#include "foundation/PathString.h"
+#include "platform/linux/LinuxAlert.h"
+#include "platform/linux/LinuxAppearance.h"
+#include "platform/linux/LinuxApplication.h"
+#include "platform/linux/LinuxBundle.h"
+#include "platform/linux/LinuxDistributedNotificationCenter.h"
+#include "platform/linux/LinuxFileManager.h"
+#include "platform/linux/LinuxLaunchServices.h"
+#include "platform/linux/LinuxLoginItems.h"
+#include "platform/linux/LinuxMainLoop.h"
+#include "platform/linux/LinuxPropertyListSerialization.h"
+#include "platform/linux/LinuxSecurityScope.h"
+#include "platform/linux/LinuxSound.h"
+#include "platform/linux/LinuxStatusItem.h"
+#include "platform/linux/LinuxSystemCapabilities.h"
+#include "platform/linux/LinuxUserDefaultsProvider.h"
+#include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/panel/LinuxOpenPanel.h"
+
+namespace tavrin {
+
+struct LinuxPlatform::Services {
+  Services(AcceptedRequests& accepted, BusIntake& intake, Log& systemLog);
+
+  void grantPicked(const FileURL& url);
+  void appearanceChanged(bool isDark);
+  void settingsChanged();
+
+  Log& log;
+  LinuxBundle bundle;
+  LinuxSystemCapabilities capabilities;
+  LinuxUserDefaultsProvider userDefaults;
+  LinuxPropertyListSerialization propertyLists;
+  LinuxSecurityScope securityScope;
+  LinuxFileManager fileManager;
+  LinuxPanelProvider panels;
+  LinuxAlertProvider alerts;
+  LinuxSoundProvider sounds;
+  LinuxStatusBar statusBar;
+  LinuxWorkspace workspace;
+  LinuxLaunchServices launchServices;
+  LinuxLoginItems loginItems;
+  LinuxDistributedNotificationCenter distributedNotifications;
+  LinuxApplication application;
+  std::unique_ptr<UserDefaults> standardUserDefaults;
+  LinuxAppearance appearance;
+  std::function<void()> settingsLost;
+  QSocketNotifier settingsNotifier;
+  // Gone before the others: its end waits for background work, which may use any of them.
+  LinuxMainLoop mainLoop;
+  Platform platform;
+};
+
+LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake, Log& systemLog)
+    : log(systemLog),
+      userDefaults(log),
+      securityScope(LinuxSecurityScope::standardLocations(bundle.resourcePath()), log),
+      fileManager(securityScope, log),
+      panels([this](const FileURL& url) { grantPicked(url); }),
+      sounds(log, bundle.builtInPlugInsPath()),
+      statusBar(appendingPathComponent(bundle.resourcePath(), "icons")),
+      workspace(intake.connection(), log),
+      launchServices(bundle, propertyLists, log),
+      loginItems(log),
+      distributedNotifications(intake.connection(), log),
+      application(accepted, intake, log),
+      standardUserDefaults(userDefaults.standardUserDefaults()),
+      appearance([this](bool isDark) { appearanceChanged(isDark); }),
+      settingsNotifier(userDefaults.changeDescriptor(), QSocketNotifier::Read),
+      mainLoop(log),
+      platform{log,
+               mainLoop,
+               application,
+               bundle,
+               capabilities,
+               userDefaults,
+               propertyLists,
+               fileManager,
+               securityScope,
+               panels,
+               alerts,
+               sounds,
+               statusBar,
+               workspace,
+               launchServices,
+               loginItems,
+               distributedNotifications} {
+  QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
+}
+
+void LinuxPlatform::Services::grantPicked(const FileURL& url) {
+  const Status granted = securityScope.grantByPicking(url);
+  if (!granted) log.write(granted.error().describe());
+}
+
+void LinuxPlatform::Services::appearanceChanged(bool isDark) {
+  const auto style = isDark ? std::optional<PropertyList>("Dark") : std::nullopt;
+  standardUserDefaults->setVolatileObject(style, "AppleInterfaceStyle");
+  distributedNotifications.deliverLocally("AppleInterfaceThemeChangedNotification");
+}
+
+void LinuxPlatform::Services::settingsChanged() {
+  userDefaults.processChanges();
+  if (userDefaults.takeStartedAfresh() && settingsLost) settingsLost();
+}
+
+LinuxPlatform::LinuxPlatform(AcceptedRequests& accepted, BusIntake& intake, Log& log)
+    : services_(std::make_unique<Services>(accepted, intake, log)) {}
+
+LinuxPlatform::~LinuxPlatform() = default;
+
+Platform& LinuxPlatform::services() {
+  return services_->platform;
+}
+
+void LinuxPlatform::setSettingsLost(std::function<void()> reset) {
+  services_->settingsLost = std::move(reset);
+}
+
+}  // namespace tavrin

@@ -8,7 +8,7 @@
 #include "platform/Log.h"
 #include "platform/linux/AcceptedRequests.h"
 
-typedef struct _GDBusConnection GDBusConnection;
+typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
 
 namespace tavrin {
 

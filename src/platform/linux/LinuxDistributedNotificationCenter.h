@@ -7,7 +7,7 @@
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/Log.h"
 
-typedef struct _GDBusConnection GDBusConnection;
+typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
 
 namespace tavrin {
 

@@ -7,8 +7,8 @@
 #include "platform/Workspace.h"
 #include "platform/linux/SleepSignal.h"
 
-typedef struct _GDBusConnection GDBusConnection;
-typedef struct _GCancellable GCancellable;
+typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
+typedef struct _GCancellable GCancellable;        // NOLINT(bugprone-reserved-identifier)
 
 namespace tavrin {
 

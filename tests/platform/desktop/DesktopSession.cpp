@@ -39,6 +39,15 @@ GObjectPointer<GDBusConnection> connectTo(const std::string& address) {
 
 }  // namespace
 
+void setVariable(const char* name, const std::optional<std::string>& value) {
+  // Between tests no thread of theirs reads the environment.
+  if (value) {
+    ::setenv(name, value->c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
+  } else {
+    ::unsetenv(name);  // NOLINT(concurrency-mt-unsafe)
+  }
+}
+
 TemporaryFolder::TemporaryFolder() {
   std::string pattern = (fs::temp_directory_path() / "tavrin-XXXXXX").string();
   if (::mkdtemp(pattern.data()) == nullptr) throw std::runtime_error("mkdtemp");
@@ -85,6 +94,7 @@ ChildProcess::ChildProcess(const std::vector<std::string>& command,
   GLibPointer<char*> environment(g_get_environ());
   for (const std::string& setting : settings) applySetting(environment, setting);
   std::vector<char*> arguments;
+  arguments.reserve(command.size() + 1);
   for (const std::string& argument : command) {
     arguments.push_back(const_cast<char*>(argument.c_str()));
   }
@@ -137,11 +147,11 @@ PrivateBus::PrivateBus(const char* variable, const std::vector<std::string>& set
                                "--address=" + address_},
       settings);
   if (!waitUntil([this] { return connect() != nullptr; })) throw std::runtime_error("no bus");
-  ::setenv(variable_, address_.c_str(), 1);
+  setVariable(variable_, address_);
 }
 
 PrivateBus::~PrivateBus() {
-  ::unsetenv(variable_);
+  setVariable(variable_, std::nullopt);
 }
 
 GObjectPointer<GDBusConnection> PrivateBus::connect() const {

@@ -3,6 +3,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,9 @@
 
 /// A desktop session of a test's own: folders, a message bus, and programs that run in it.
 namespace tavrin::test {
+
+/// Sets a variable of this process's environment, or removes it.
+void setVariable(const char* name, const std::optional<std::string>& value);
 
 /// A new folder, removed with all that is in it.
 class TemporaryFolder {

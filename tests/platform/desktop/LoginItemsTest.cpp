@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
+#include <optional>
 
 #include "platform/linux/GLibPointers.h"
 #include "platform/linux/LinuxLoginItems.h"
@@ -20,21 +20,19 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 using Item = LoginItems::Item;
 
 class LoginItemsTest : public testing::Test {
  protected:
   void SetUp() override {
-    ::setenv("XDG_CONFIG_HOME", (folder_ / "user").c_str(), 1);
-    ::setenv("XDG_CONFIG_DIRS", ((folder_ / "near") + ":relative::" + (folder_ / "far")).c_str(),
-             1);
-    ::setenv("XDG_CURRENT_DESKTOP", "Fox:GNOME", 1);
+    test::setVariable("XDG_CONFIG_HOME", folder_ / "user");
+    test::setVariable("XDG_CONFIG_DIRS", (folder_ / "near") + ":relative::" + (folder_ / "far"));
+    test::setVariable("XDG_CURRENT_DESKTOP", "Fox:GNOME");
     test::writeFile(program_, "#!/bin/sh\n");
   }
   void TearDown() override {
     for (const char* name : {"XDG_CONFIG_HOME", "XDG_CONFIG_DIRS", "XDG_CURRENT_DESKTOP"}) {
-      ::unsetenv(name);
+      test::setVariable(name, std::nullopt);
     }
   }
 

@@ -2,8 +2,8 @@
 // once.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <memory>
+#include <optional>
 
 #include "tests/platform/desktop/DesktopSession.h"
 
@@ -15,12 +15,12 @@ class SessionFolders : public testing::Environment {
  public:
   void SetUp() override {
     folder_ = std::make_unique<TemporaryFolder>();
-    ::setenv("XDG_DATA_HOME", (*folder_ / "data").c_str(), 1);
-    ::setenv("XDG_DATA_DIRS", (*folder_ / "system").c_str(), 1);
-    ::setenv("XDG_CONFIG_HOME", (*folder_ / "config").c_str(), 1);
-    ::setenv("XDG_RUNTIME_DIR", folder_->path().c_str(), 1);
+    setVariable("XDG_DATA_HOME", *folder_ / "data");
+    setVariable("XDG_DATA_DIRS", (*folder_ / "system"));
+    setVariable("XDG_CONFIG_HOME", (*folder_ / "config"));
+    setVariable("XDG_RUNTIME_DIR", folder_->path());
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "DBUS_SESSION_BUS_ADDRESS"}) {
-      ::unsetenv(name);
+      setVariable(name, std::nullopt);
     }
   }
   void TearDown() override { folder_.reset(); }

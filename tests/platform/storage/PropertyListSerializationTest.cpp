@@ -119,10 +119,11 @@ TEST_F(Serialization, DatesKeepFractionsInBinaryAndSecondsInXml) {
 }
 
 TEST_F(Serialization, GoesByNoLocale) {
-  const char* locale = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");
+  // No other thread runs.
+  const char* locale = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");  // NOLINT(concurrency-mt-unsafe)
   expectSurvives(2.5);
   EXPECT_EQ(readXml("<real>2.5</real>"), PropertyList(2.5));
-  std::setlocale(LC_NUMERIC, "C");
+  std::setlocale(LC_NUMERIC, "C");  // NOLINT(concurrency-mt-unsafe)
   if (locale == nullptr) GTEST_SKIP() << "the locale de_DE.UTF-8 is not installed";
 }
 

@@ -17,6 +17,7 @@ int runProgram(const std::string& program, const std::string& first, const std::
   std::vector<std::string> words = {program, first, second};
   if (!third.empty()) words.push_back(third);
   std::vector<char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (std::string& word : words) arguments.push_back(word.data());
   arguments.push_back(nullptr);
   pid_t child = 0;

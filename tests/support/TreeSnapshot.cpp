@@ -59,7 +59,9 @@ std::string attributesOf(int folder, const std::string& name) {
     attributes[next] = std::string(value.data(), static_cast<std::size_t>(length < 0 ? 0 : length));
   }
   std::string text;
-  for (const auto& [key, value] : attributes) text += " " + key + "=" + value;
+  for (const auto& [key, value] : attributes) {
+    text.append(" ").append(key).append("=").append(value);
+  }
   return text;
 }
 

@@ -73,7 +73,7 @@ Status createFile(const ItemReference& item, const PropertyList::Data& contents)
 }
 
 Result<PropertyList::Data> readFile(const ItemReference& item, std::size_t largestSize) {
-  constexpr std::size_t step = 64 * 1024;
+  constexpr std::size_t step = std::size_t{64} * 1024;
   const FolderEntry entry(item);
   const Result<FileDescriptor> file = openForReading(entry);
   if (!file) return file.error();

@@ -11,7 +11,7 @@
 namespace tavrin {
 namespace {
 
-constexpr std::size_t bufferSize = 256 * 1024;
+constexpr std::size_t bufferSize = std::size_t{256} * 1024;
 constexpr off_t largestKernelCopy = off_t{1} << 30;
 constexpr off_t wholeFile = std::numeric_limits<off_t>::max();
 
@@ -91,7 +91,7 @@ Status FileData::copySegments(const OpenFile& source, const OpenFile& destinatio
 
 Result<off_t> FileData::copySegment(const OpenFile& source, const OpenFile& destination,
                                     off_t begin, off_t end) {
-  const Result<off_t> reached = copyInKernel(source, destination, begin, end);
+  Result<off_t> reached = copyInKernel(source, destination, begin, end);
   if (!reached || reached.value() == end) return reached;
   return copyByReading(source, destination, reached.value(), end);
 }

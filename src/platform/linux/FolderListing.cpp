@@ -10,7 +10,7 @@
 namespace tavrin {
 namespace {
 
-constexpr std::size_t bufferSize = 64 * 1024;
+constexpr std::size_t bufferSize = std::size_t{64} * 1024;
 
 bool isSelfOrParent(const char* name) {
   return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
@@ -44,7 +44,7 @@ Result<bool> FolderListing::fill() {
 Result<bool> FolderListing::next(Entry& entry) {
   while (true) {
     if (position_ >= filled_) {
-      const Result<bool> hasMore = fill();
+      Result<bool> hasMore = fill();
       if (!hasMore || !hasMore.value()) return hasMore;
     }
     const char* record = buffer_.get() + position_;

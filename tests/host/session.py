@@ -25,6 +25,7 @@ APPLICATION_ID = "app.tavrin.Tavrin"
 APPLICATION_PATH = "/app/tavrin/Tavrin"
 GROUP = "TAVRIN0001.group.app.tavrin.Tavrin"
 ACCESS_PANEL = "^Allow Access$"
+OPEN_PANEL = "^Choose a Folder$"
 PREFERENCES_WINDOW = "^Tavrin"
 
 # A sanitizer makes every program slower.
@@ -71,6 +72,7 @@ class Session:
 
     def __init__(self):
         self._cleanup = contextlib.ExitStack()
+        self.hosts = []
 
     def __enter__(self):
         with contextlib.ExitStack() as started:
@@ -142,7 +144,7 @@ class Session:
             "QT_QPA_PLATFORM": "xcb",
         }
         self._start_display()
-        self._start_bus("bus", self.services)
+        self._bus = self._start_bus("bus", self.services)
         self._install_service_files()
         self.sound_server = SoundServer(self.runtime / "pulse",
                                         (SOURCE_DIR / "resources" / "sounds").glob("*.aiff"))
@@ -167,9 +169,14 @@ class Session:
         socket = self.runtime / name
         configuration = self.folder / f"{name}.conf"
         configuration.write_text(BUS_CONFIGURATION.format(socket=socket, services=services))
-        program = self.start_program(["dbus-daemon", f"--config-file={configuration}", "--nofork"],
-                                     log=self._log)
-        wait_until(lambda: socket.exists() or program.poll() is not None, "the bus")
+        read_end, write_end = os.pipe()
+        program = self.start_program(["dbus-daemon", f"--config-file={configuration}", "--nofork",
+                                      f"--print-address={write_end}"],
+                                     log=self._log, pass_fds=[write_end])
+        os.close(write_end)
+        with open(read_end, "rb") as pipe:
+            if not pipe.readline():
+                raise RuntimeError("no bus: " + self.whole_log())
         return program
 
     def _install_service_files(self):
@@ -177,6 +184,10 @@ class Session:
             shutil.copy(file, self.services)
         self.call_bus("/org/freedesktop/DBus", "org.freedesktop.DBus.ReloadConfig",
                       destination="org.freedesktop.DBus")
+
+    def end_bus(self):
+        """Takes the session bus away from the programs that run."""
+        end_program(self._bus)
 
     def start_system_bus(self):
         """Gives the session a system bus of its own."""
@@ -206,14 +217,22 @@ class Session:
 
     def start_host(self, *arguments, working_folder="/", environment=None):
         """Starts the host; returns at once."""
-        return self.start_program([BUILD_DIR / "bin" / "tavrin", *map(str, arguments)],
+        host = self.start_program([BUILD_DIR / "bin" / "tavrin", *map(str, arguments)],
                                   log=self._log, cwd=working_folder, environment=environment)
+        self.hosts.append(host)
+        return host
 
     def start_waiting_host(self):
-        """Starts the host as the bus does, for a request to come, and waits until it listens."""
-        host = self.start_host("--gapplication-service")
-        wait_until(lambda: self.owner_of(APPLICATION_ID), "the host's name on the bus")
+        """Starts the host for a request that it ignores, and waits until it has done so."""
+        self._request_count += 1
+        missing = self.folder / "requests" / f"missing {self._request_count}"
+        host = self.start_host(missing)
+        wait_until(lambda: str(missing) in self.whole_log(), "the host to serve requests")
         return host
+
+    def wait_for_settings(self):
+        """Waits until the host watches its settings: its first publishing comes after that."""
+        wait_until(lambda: "enableAllOfOthers" in self.export_domain("standard"), "publishing")
 
     def defaults(self, *arguments, data=None):
         """Runs tavrin-defaults; returns what it printed."""
@@ -308,7 +327,7 @@ class Session:
 
     def wait_for_window(self, title):
         """Waits until a window of that title has the keyboard; returns its number."""
-        window = wait_until(lambda: self.windows(title), f"a window {title}; {self.titles()}")[-1]
+        window = wait_until(lambda: self.windows(title), f"a window {title}")[-1]
         wait_until(lambda: self.run("xdotool", "getactivewindow").strip() == window,
                    f"the keyboard to come to {title}")
         return window
@@ -325,6 +344,11 @@ class Session:
 
     def type_text(self, text):
         self.run("xdotool", "type", "--delay", "8", text)
+
+    def type_line(self, text):
+        """Types a text and the Return key, which is not what xdotool makes of a newline."""
+        self.type_text(text)
+        self.key("Return")
 
     def click(self, window, x, y, count=1):
         """Clicks at a place of a window, given in pixels from its upper left corner."""
@@ -355,10 +379,11 @@ class Session:
         wait_until(lambda: window not in self.windows(title), "the panel to close")
 
     def grant(self, folder):
-        """Lets the host have access to a folder, through its panel."""
+        """Lets the host have access to a folder, through its panel; sounds like a failure."""
+        heard = len(self.sound_server.played)
         self.copy_files([Path(folder) / "no such item"], folder)
         self.authorize()
-        wait_until(lambda: str(folder) in self.grants(), f"the grant of {folder}")
+        wait_until(lambda: len(self.sound_server.played) > heard, f"the grant of {folder}")
 
 
 _libc = ctypes.CDLL(None)
@@ -395,13 +420,20 @@ class HostTest(unittest.TestCase):
     def setUp(self):
         self.session = Session()
         self.enterContext(self.session)
-        self.addCleanup(self._show_log_of_failure)
 
-    def _show_log_of_failure(self):
-        outcome = self._outcome
-        if outcome is not None and not outcome.success:
-            print("--- log of the host", self.session.whole_log(), "---", sep="\n",
-                  file=sys.stderr)
+    def tearDown(self):
+        self._show_failure()
+        for host in self.session.hosts:
+            end_program(host)
+            self.assertNotEqual(host.returncode, -signal.SIGKILL, "the host did not end by itself")
+        self.assertNotRegex(self.session.whole_log(), "Sanitizer:|runtime error:")
+
+    def _show_failure(self):
+        result = self._outcome.result
+        if any(self in (test, getattr(test, "test_case", None))
+               for test, _ in result.failures + result.errors):
+            print("--- windows", self.session.titles(), "log of the host",
+                  self.session.whole_log(), "---", sep="\n", file=sys.stderr)
             self.session.screenshot(f"failed-{self.id()}")
 
     def assert_alive(self, host):

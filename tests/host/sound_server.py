@@ -18,6 +18,9 @@ CREATE_PLAYBACK_STREAM = 3
 AUTH = 8
 GET_PLAYBACK_LATENCY = 14
 
+INTEGER_LITTLE_ENDIAN = 3
+FLOAT_LITTLE_ENDIAN = 5
+
 
 def _word(value):
     return b"L" + struct.pack(">I", value)
@@ -28,6 +31,7 @@ class _Connection(threading.Thread):
         super().__init__(daemon=True)
         self._server = server
         self._socket = connection
+        self._format = None
         self._played = bytearray()
 
     def run(self):
@@ -44,7 +48,7 @@ class _Connection(threading.Thread):
         finally:
             self._socket.close()
             if self._played:
-                self._server.played_stream(bytes(self._played))
+                self._server.played_stream(bytes(self._played), self._format)
 
     def _read(self, count):
         data = bytearray()
@@ -61,6 +65,8 @@ class _Connection(threading.Thread):
         if command == AUTH:
             answer = _word(PROTOCOL_VERSION)
         elif command == CREATE_PLAYBACK_STREAM:
+            after_name = body.index(b"\0", 10) + 1
+            self._format = body[after_name + 1]
             answer = _word(0) + _word(0) + _word(BUFFER_BYTES)
         elif command == GET_PLAYBACK_LATENCY:
             no_time = b"U" + bytes(8)
@@ -90,9 +96,10 @@ class SoundServer:
         with self._lock:
             return list(self._played)
 
-    def played_stream(self, stream):
+    def played_stream(self, stream, sample_format):
+        name = self._name_of(_samples(stream, sample_format))
         with self._lock:
-            self._played.append(self._name_of(stream))
+            self._played.append(name)
 
     def close(self):
         self._listener.shutdown(socket.SHUT_RDWR)
@@ -107,18 +114,26 @@ class SoundServer:
                 return
             _Connection(self, connection).start()
 
-    def _name_of(self, stream):
-        for name, samples in self._sounds.items():
-            if samples in stream:
+    def _name_of(self, samples):
+        for name, expected in self._sounds.items():
+            if len(samples) == len(expected) and all(
+                    abs(one - other) <= 1 for one, other in zip(samples, expected)):
                 return name
-        return f"an unknown sound of {len(stream)} bytes"
+        return f"an unknown sound of {len(samples)} samples"
+
+
+def _samples(stream, sample_format):
+    """A stream's samples as 16 bit integers."""
+    if sample_format == FLOAT_LITTLE_ENDIAN:
+        return [round(sample * 32768) for sample in struct.unpack(f"<{len(stream) // 4}f", stream)]
+    if sample_format == INTEGER_LITTLE_ENDIAN:
+        return struct.unpack(f"<{len(stream) // 2}h", stream)
+    return []
 
 
 def _samples_of(path):
-    """The sound's samples as 16 bit little-endian words, without the silence around them."""
+    """The samples of an AIFF file of 16 bit integers."""
     data = path.read_bytes()
-    start = data.index(b"SSND") + 16
-    words = data[start:start + len(data[start:]) // 2 * 2]
-    little = bytearray(len(words))
-    little[0::2], little[1::2] = words[1::2], words[0::2]
-    return bytes(little).strip(b"\0")
+    chunk = data.index(b"SSND")
+    length = struct.unpack(">I", data[chunk + 4:chunk + 8])[0] - 8
+    return struct.unpack(f">{length // 2}h", data[chunk + 16:chunk + 16 + length])

@@ -89,14 +89,14 @@ class ScopeAttack : public ::testing::Test {
   }
 
   void read() {
-    const auto bytes = files_.contentsAtPath(tree("sub/file"));
+    const auto bytes = files_.contentsAtPath(tree("sub/deep/file"));
     if (!count(bytes)) return;
     EXPECT_EQ(bytes.value(), (PropertyList::Data{'m', 'i', 'n', 'e'}));
   }
 
   void createFile() {
-    count(files_.createFileAtPath(tree("sub/new"), {}));
-    count(files_.removeItemAtPath(tree("sub/new")));
+    count(files_.createFileAtPath(tree("sub/deep/new"), {}));
+    count(files_.removeItemAtPath(tree("sub/deep/new")));
   }
 
   void createFolders() {

@@ -11,6 +11,7 @@
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
 #include "platform/linux/AcceptedRequests.h"
+#include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/BusIntake.h"
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/Identity.h"
@@ -90,6 +91,7 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake, Lo
   linuxPlatform.setSettingsLost(seed);
 
   AppDelegate delegate(platform, defaultSettings, [&platform] {
+    ensureApplicationIcon();
     return std::make_unique<QtPreferencesWindow>(platform.bundle);
   });
   platform.application.setDelegate(&delegate);

@@ -5,11 +5,11 @@
 #include <cstdio>
 #include <string>
 
+#include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/LinuxAlert.h"
 #include "platform/linux/LinuxBundle.h"
 #include "platform/linux/panel/LinuxOpenPanel.h"
 #include "sandbox/AppSandboxFileAccessOpenSavePanelDelegate.h"
-#include "settings/window/ApplicationIcon.h"
 #include "settings/window/QtPreferencesWindow.h"
 
 namespace {
@@ -79,7 +79,7 @@ int showWindow(bool isDark) {
 int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Tavrin"));
-  QApplication::setWindowIcon(tavrin::applicationIcon(tavrin::LinuxBundle()));
+  tavrin::ensureApplicationIcon();
   const std::string what = argc > 1 ? argv[1] : "light";
   if (what == "access") return showAccessPanel(argc > 2 ? argv[2] : "/usr/share");
   if (what == "folders") return showFolderChooser(argc > 2 ? argv[2] : "/usr");

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <algorithm>
 
+#include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/DisplayText.h"
 #include "platform/linux/QtWindows.h"
 
@@ -63,6 +64,7 @@ std::size_t LinuxAlert::escapeButtonIndex() const {
 int LinuxAlert::run(QWidget* parent) {
   // An alert without buttons has one to close it, as on the platform.
   if (buttonTitles_.empty()) buttonTitles_.push_back(QCoreApplication::translate("Tavrin", "OK"));
+  ensureApplicationIcon();
   QMessageBox box(parent);
   box.setIcon(iconOfStyle(style_));
   box.setWindowTitle(QCoreApplication::applicationName());

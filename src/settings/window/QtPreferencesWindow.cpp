@@ -2,14 +2,13 @@
 
 #include <ui_PreferencesWindow.h>
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QIcon>
 #include <QMouseEvent>
 #include <QWindow>
 #include <string>
 #include <utility>
 
-#include "settings/window/ApplicationIcon.h"
 #include "settings/window/WindowPalette.h"
 
 namespace tavrin {
@@ -34,9 +33,7 @@ QtPreferencesWindow::QtPreferencesWindow(const Bundle& bundle)
     : ui_(std::make_unique<Ui::PreferencesWindow>()) {
   ui_->setupUi(this);
   fillTexts(bundle);
-  const QIcon icon = applicationIcon(bundle);
-  setWindowIcon(icon);
-  ui_->iconLabel->setPixmap(icon.pixmap(largeIconSize, largeIconSize));
+  ui_->iconLabel->setPixmap(QApplication::windowIcon().pixmap(largeIconSize, largeIconSize));
   setBackgroundColor(1.0, 1.0, 1.0);
   QObject::connect(ui_->authorizeRootButton, &QCheckBox::clicked, this, [this] {
     if (authorizeRootAction_) authorizeRootAction_();
@@ -52,14 +49,13 @@ void QtPreferencesWindow::fillTexts(const Bundle& bundle) {
   setWindowTitle(QString::fromStdString(name));
   ui_->nameLabel->setText(QString::fromStdString(name));
   ui_->versionLabel->setText(
-      QCoreApplication::translate("Tavrin", "Version %1").arg(QString::fromStdString(version)));
-  ui_->purposeLabel->setText(QCoreApplication::translate(
+      QApplication::translate("Tavrin", "Version %1").arg(QString::fromStdString(version)));
+  ui_->purposeLabel->setText(QApplication::translate(
       "Tavrin",
       "Adds your own commands to the file manager's context menu: new files from templates, "
       "favourite folders and applications, cut and paste, icons and more."));
-  ui_->authorizeRootButton->setText(
-      QCoreApplication::translate("Tavrin", "Authorize the whole disk"));
-  ui_->authorizeRootNote->setText(QCoreApplication::translate(
+  ui_->authorizeRootButton->setText(QApplication::translate("Tavrin", "Authorize the whole disk"));
+  ui_->authorizeRootNote->setText(QApplication::translate(
       "Tavrin",
       "Commands then work in every folder without asking. Switching it off forgets all folders "
       "authorized so far."));

@@ -13,6 +13,7 @@
 #include <QTreeView>
 #include <QVBoxLayout>
 
+#include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/panel/OpenPanelDialog.h"
 #include "platform/linux/panel/PanelPathBar.h"
 #include "platform/linux/panel/PanelPlaces.h"
@@ -86,6 +87,7 @@ void OpenPanelDialog::addTexts(QVBoxLayout& layout) {
   if (options_.accessoryText.isEmpty()) return;
   auto* row = new QHBoxLayout;
   row->setSpacing(14);
+  ensureApplicationIcon();
   auto* icon = new QLabel(this);
   icon->setPixmap(QApplication::windowIcon().pixmap(48, 48));
   icon->setHidden(QApplication::windowIcon().isNull());

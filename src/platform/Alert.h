@@ -29,8 +29,8 @@ class Alert {
   /// alert's window counts as its "Cancel" button, or as the last one when there is none.
   virtual int runModal() = 0;
 
-  /// As runModal, shown as a sheet of `window`; nullptr takes the program's main window, and without
-  /// one the alert stands on its own.
+  /// As runModal, shown as a sheet of `window`; nullptr takes the program's main window, and
+  /// without one the alert stands on its own.
   virtual int runModalAsSheet(Window* window) = 0;
 };
 

@@ -79,7 +79,8 @@ class BadRequests(HostTest):
             "array at the root": ["copyFilesTo"],
             "string at the root": "copyFilesTo",
             "action": {"Action": 7},
-            "selection": {"Action": "copyFilesTo", "SelectedFilesUrl": ["file:///a"], "ToPath": "/"},
+            "selection": {"Action": "copyFilesTo", "SelectedFilesUrl": ["file:///a"],
+                          "ToPath": "/"},
             "destination": {"Action": "copyFilesTo", "SelectedFilesUrl": "file:///a", "ToPath": 1},
             "tag": {"Action": "createNewFile", "Path": "/", "Tag": [1]},
         }

@@ -39,7 +39,8 @@ class Settings(HostTest):
         self.session.wait_for_settings()
         for value in (True, False, True):
             # Numbers and strings arrive as the boolean that they mean.
-            self.session.defaults("write", "standard", "soundTipsOfNewFile", "-bool", yes_or_no(value))
+            self.session.defaults("write", "standard", "soundTipsOfNewFile", "-bool",
+                                  yes_or_no(value))
             self.session.defaults("write", "standard", "enableCommonPath", "-int", str(int(value)))
             self.session.defaults("write", "standard", "enableIconOfOthers", "-string",
                                   yes_or_no(value))
@@ -94,7 +95,8 @@ class StatusItem(HostTest):
                               *arguments, destination=WATCHER)
 
     def hide(self, hidden):
-        self.session.defaults("write", "standard", "hiddenIconInStatusBar", "-bool", yes_or_no(hidden))
+        self.session.defaults("write", "standard", "hiddenIconInStatusBar", "-bool",
+                              yes_or_no(hidden))
 
     def is_shown(self):
         """Whether the item that registered last answers."""

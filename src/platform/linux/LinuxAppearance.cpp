@@ -4,6 +4,7 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
+#include <QDBusServiceWatcher>
 #include <QDBusVariant>
 #include <utility>
 
@@ -33,6 +34,11 @@ LinuxAppearance::LinuxAppearance(std::function<void(bool isDark)> appearanceChan
   QDBusConnection::sessionBus().connect(service, objectPath, settingsInterface,
                                         QStringLiteral("SettingChanged"), this,
                                         SLOT(settingChanged(QDBusMessage)));
+  // A portal that comes later may have told its choice before this end knew of it.
+  auto* portal = new QDBusServiceWatcher(service, QDBusConnection::sessionBus(),
+                                         QDBusServiceWatcher::WatchForRegistration, this);
+  QObject::connect(portal, &QDBusServiceWatcher::serviceRegistered, this,
+                   [this] { readColorScheme(); });
   readColorScheme();
 }
 

@@ -3,7 +3,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <clocale>
 #include <cmath>
 #include <limits>
 #include <memory>
@@ -116,15 +115,6 @@ TEST_F(Serialization, DatesKeepFractionsInBinaryAndSecondsInXml) {
   for (const double moment : {1e300, -1e12, std::nan("")}) {
     EXPECT_FALSE(lists_.dataFromPropertyList(PropertyList::Date{moment}, Format::Xml));
   }
-}
-
-TEST_F(Serialization, GoesByNoLocale) {
-  // No other thread runs.
-  const char* locale = std::setlocale(LC_NUMERIC, "de_DE.UTF-8");  // NOLINT(concurrency-mt-unsafe)
-  expectSurvives(2.5);
-  EXPECT_EQ(readXml("<real>2.5</real>"), PropertyList(2.5));
-  std::setlocale(LC_NUMERIC, "C");  // NOLINT(concurrency-mt-unsafe)
-  if (locale == nullptr) GTEST_SKIP() << "the locale de_DE.UTF-8 is not installed";
 }
 
 TEST_F(Serialization, ReadsWhatXmlAllows) {

@@ -48,6 +48,7 @@ FakeSettingsPortal::~FakeSettingsPortal() {
 }
 
 void FakeSettingsPortal::change(const QString& group, const QString& key, uint value) {
+  if (key == QLatin1String("color-scheme")) colourScheme_ = value;
   Q_EMIT SettingChanged(group, key, QDBusVariant(value));
 }
 

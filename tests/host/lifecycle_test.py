@@ -3,7 +3,7 @@
 import signal
 import subprocess
 
-from session import (APPLICATION_ID, BUILD_DIR, PREFERENCES_WINDOW, HostTest, main, selection,
+from session import (ACCESS_PANEL, APPLICATION_ID, APPLICATION_PATH, BUILD_DIR, PREFERENCES_WINDOW, HostTest, main, selection,
                      wait_until)
 
 ALERT = "^Tavrin$"
@@ -38,6 +38,28 @@ class Lifecycle(HostTest):
                     f"monitor-{n}.log"), "the notification")
                 monitor.terminate()
                 self.assertIsNone(self.session.owner_of(APPLICATION_ID))
+
+    def test_at_its_end_it_asks_nothing_more(self):
+        for end in ("signal", "quit"):
+            with self.subTest(end):
+                source = self.session.files / end
+                source.mkdir()
+                (source / "a.txt").write_text("a")
+                destination = self.session.files / f"{end} elsewhere"
+                destination.mkdir()
+                host = self.session.start_waiting_host()
+                self.session.move_files([source / "a.txt"], destination)
+                self.session.wait_for_window(ACCESS_PANEL)
+                self.session.move_files([source / "a.txt"], destination)
+                if end == "signal":
+                    host.send_signal(signal.SIGTERM)
+                else:
+                    self.session.call_bus(APPLICATION_PATH,
+                                          "org.freedesktop.Application.ActivateAction",
+                                          "quit", "@av []", "@a{sv} {}")
+                self.wait_for_end(host, 0)
+                self.assertEqual((source / "a.txt").read_text(), "a")
+                self.assertEqual(list(destination.iterdir()), [])
 
     def test_sleep_ends_it(self):
         self.session.start_system_bus()

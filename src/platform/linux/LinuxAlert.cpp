@@ -64,6 +64,7 @@ std::size_t LinuxAlert::escapeButtonIndex() const {
 int LinuxAlert::run(QWidget* parent) {
   // An alert without buttons has one to close it, as on the platform.
   if (buttonTitles_.empty()) buttonTitles_.push_back(QCoreApplication::translate("Tavrin", "OK"));
+  if (!mayAskTheUser()) return firstButtonReturn + static_cast<int>(escapeButtonIndex());
   ensureApplicationIcon();
   QMessageBox box(parent);
   box.setIcon(iconOfStyle(style_));

@@ -11,6 +11,7 @@
 #include <string>
 
 #include "platform/linux/ProgramLauncher.h"
+#include "platform/linux/QtWindows.h"
 #include "platform/linux/TerminationSignals.h"
 
 namespace tavrin {
@@ -57,6 +58,7 @@ int LinuxApplication::run() {
   const int status = terminating_ ? 0 : QApplication::exec();
 
   terminating_ = true;
+  stopAskingTheUser();
   intake_.stop();
   handleRemaining();
   delegate_->applicationWillTerminate();
@@ -113,6 +115,7 @@ void LinuxApplication::activateIgnoringOtherApps() {
 
 void LinuxApplication::terminate() {
   terminating_ = true;
+  stopAskingTheUser();
   QCoreApplication::exit(0);
 }
 

@@ -19,7 +19,7 @@ class LinuxApplication final : public Application {
 
   /// As promised by Application. Every request that the intake accepted has been handed to the
   /// delegate, and the work it queued for them on the main loop is done, before
-  /// applicationWillTerminate.
+  /// applicationWillTerminate. What would have to ask the user by then is refused.
   int run() override;
 
   void activateIgnoringOtherApps() override;

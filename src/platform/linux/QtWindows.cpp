@@ -2,8 +2,23 @@
 
 #include <QApplication>
 #include <QMainWindow>
+#include <QVariant>
 
 namespace tavrin {
+
+namespace {
+
+constexpr const char* endingProperty = "tavrinIsEnding";
+
+}  // namespace
+
+void stopAskingTheUser() {
+  qApp->setProperty(endingProperty, true);
+}
+
+bool mayAskTheUser() {
+  return !qApp->property(endingProperty).toBool();
+}
 
 QWidget* mainWindowWidget() {
   const QWidgetList topLevels = QApplication::topLevelWidgets();

@@ -11,6 +11,11 @@ inline QWidget* widgetOfWindow(Window* window) {
   return dynamic_cast<QWidget*>(window);
 }
 
+/// From now on the program, which is ending, asks the user nothing: panels and alerts answer as
+/// cancelled at once.
+void stopAskingTheUser();
+bool mayAskTheUser();
+
 /// The program's main window; nullptr while none is shown.
 QWidget* mainWindowWidget();
 

@@ -108,12 +108,13 @@ void AppDelegate::openPreferences() {
 PreferencesWindow& AppDelegate::preferencesWindow() {
   if (prefswindow_) return *prefswindow_;
   loadSettingsController();
-  settingsController_->removeFromLoginItemsIfListed();
   prefswindow_ = makePreferencesWindow_();
   prefswindow_->setMovableByWindowBackground(true);
   prefswindow_->setAuthorizeRootButtonState(isRootAuthorized());
   prefswindow_->setAuthorizeRootButtonAction([this] { authorizeRootButtonClick(); });
   darkModeChanged();
+  // Last, for whatever comes in while the alert is up finds the window made.
+  settingsController_->removeFromLoginItemsIfListed();
   return *prefswindow_;
 }
 

@@ -1,5 +1,7 @@
 #include "app/CommandLine.h"
 
+#include <algorithm>
+#include <cctype>
 #include <optional>
 
 #include "foundation/FileURL.h"
@@ -19,8 +21,17 @@ std::optional<CommandLine::Mode> modeOfOption(std::string_view option) {
   return std::nullopt;
 }
 
+/// "scheme:/..." (RFC 3986), which a shell or a desktop hands over for any kind of URL.
+bool isURL(std::string_view argument) {
+  const auto isOfScheme = [](unsigned char character) {
+    return std::isalnum(character) != 0 || character == '+' || character == '-' || character == '.';
+  };
+  const auto colon = std::find_if_not(argument.begin(), argument.end(), isOfScheme);
+  return colon != argument.begin() && std::string_view(colon, argument.end()).starts_with(":/");
+}
+
 std::optional<FileURL> urlOfArgument(std::string_view argument, std::string_view workingFolder) {
-  if (argument.starts_with("file:/")) return FileURL::urlWithString(argument);
+  if (isURL(argument)) return FileURL::urlWithString(argument);
   return FileURL::fileURLWithPath(argument, workingFolder);
 }
 

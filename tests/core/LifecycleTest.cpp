@@ -98,6 +98,17 @@ TEST_F(Lifecycle, TheBackgroundFollowsTheAppearanceWhereTheSystemHasOne) {
   EXPECT_EQ(window_.background, light);
 }
 
+TEST_F(Lifecycle, TheLoginItemIsSpokenOfOnceHoweverOftenTheWindowIsAskedFor) {
+  system_.loginItems.items = {{"entry", system_.bundle.programPath}};
+  launch();
+  system_.alerts.whileShown = [this] { host().applicationShouldHandleReopen(false); };
+  system_.alerts.answers = {0};
+  system_.mainLoop.advance(1);
+  EXPECT_EQ(system_.alerts.shown.size(), 1U);
+  EXPECT_TRUE(system_.loginItems.items.empty());
+  EXPECT_EQ(window_.made, 1);
+}
+
 TEST_F(Lifecycle, SleepEndsTheProcessAtOnce) {
   launch();
   try {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -28,6 +29,8 @@ class FakeAlerts final : public AlertProvider {
   /// The indexes of the buttons that the user presses, one an alert. Without one the last button of
   /// the alert is pressed.
   std::deque<int> answers;
+  /// What happens while an alert is up.
+  std::function<void()> whileShown;
   /// Every alert that was shown, in order.
   std::vector<ShownAlert> shown;
 
@@ -56,6 +59,7 @@ class FakeAlerts final : public AlertProvider {
 
   int answer(const ShownAlert& alert) {
     shown.push_back(alert);
+    if (whileShown) whileShown();
     int button = static_cast<int>(alert.buttons.size()) - 1;
     if (!answers.empty()) {
       button = answers.front();

@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QLibraryInfo>
 #include <QString>
+#include <QStringList>
 #include <cstdlib>
 #include <cstring>
 
@@ -48,21 +49,37 @@ bool answersOnWayland(const std::string& display) {
   return ::connect(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
 }
 
-bool hasWaylandPlugin() {
-  const QDir platforms(QLibraryInfo::path(QLibraryInfo::PluginsPath) +
-                       QStringLiteral("/platforms"));
-  return !platforms.entryList({QStringLiteral("libqwayland*.so")}, QDir::Files).isEmpty();
+bool hasPlugin(const QString& platform) {
+  const QString ownFolder = qEnvironmentVariable("QT_QPA_PLATFORM_PLUGIN_PATH");
+  for (const QString& folder :
+       {ownFolder, QLibraryInfo::path(QLibraryInfo::PluginsPath) + QStringLiteral("/platforms")}) {
+    const QStringList pattern = {QStringLiteral("libq%1*.so").arg(platform)};
+    if (!folder.isEmpty() && !QDir(folder).entryList(pattern, QDir::Files).isEmpty()) return true;
+  }
+  return false;
+}
+
+/// The platforms that QT_QPA_PLATFORM names, "name:options" separated by ";", without options.
+bool hasChosenPlugin() {
+  const QString chosen = qEnvironmentVariable("QT_QPA_PLATFORM");
+  for (const QString& platform : chosen.split(QLatin1Char(';'), Qt::SkipEmptyParts)) {
+    if (hasPlugin(platform.section(QLatin1Char(':'), 0, 0))) return true;
+  }
+  return false;
 }
 
 }  // namespace
 
 std::optional<std::string> missingDisplay() {
-  if (isAnotherPlatformChosen()) return std::nullopt;
+  if (isAnotherPlatformChosen()) {
+    if (hasChosenPlugin()) return std::nullopt;
+    return "no display: Qt has no platform " + environmentText("QT_QPA_PLATFORM");
+  }
   const std::string xDisplay = environmentText("DISPLAY");
   const std::string waylandDisplay = environmentText("WAYLAND_DISPLAY");
   if (!xDisplay.empty() && answersOnX()) return std::nullopt;
   if (!waylandDisplay.empty() && answersOnWayland(waylandDisplay)) {
-    if (hasWaylandPlugin()) return std::nullopt;
+    if (hasPlugin(QStringLiteral("wayland"))) return std::nullopt;
     return "no display: Qt's Wayland plugin is not installed and no X server answers";
   }
   if (xDisplay.empty() && waylandDisplay.empty()) {

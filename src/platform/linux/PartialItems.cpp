@@ -28,16 +28,14 @@ constexpr const char* recordKind = "record";
 
 /// Where a partial item grows. Written as fields that end with a NUL byte.
 struct Record {
-  std::string device;
   std::string inode;
   std::string name;
   std::string folderPath;
 
   std::string written() const {
     std::string text;
-    for (const std::string_view field :
-         {recordHead, std::string_view(device), std::string_view(inode), std::string_view(name),
-          std::string_view(folderPath)}) {
+    for (const std::string_view field : {recordHead, std::string_view(inode),
+                                         std::string_view(name), std::string_view(folderPath)}) {
       text.append(field).push_back('\0');
     }
     return text;
@@ -68,9 +66,9 @@ std::optional<Record> parseRecord(const std::string& text) {
     fields.push_back(text.substr(position, end - position));
     position = end + 1;
   }
-  if (fields.size() != 5 || fields[0] != recordHead) return std::nullopt;
-  if (!isRandomHiddenName(fields[3], partialKind)) return std::nullopt;
-  return Record{fields[1], fields[2], fields[3], fields[4]};
+  if (fields.size() != 4 || fields[0] != recordHead) return std::nullopt;
+  if (!isRandomHiddenName(fields[2], partialKind)) return std::nullopt;
+  return Record{fields[1], fields[2], fields[3]};
 }
 
 /// Creates a record file that is locked. Whoever clears leftovers may lock it first: it is empty
@@ -105,8 +103,8 @@ Status removeRecordedItem(const Record& record) {
   if (!folder) return failureAt("open", record.folderPath);
   struct stat status = {};
   if (::fstat(folder.get(), &status) != 0) return failureAt("stat", record.folderPath);
-  if (std::to_string(status.st_dev) != record.device ||
-      std::to_string(status.st_ino) != record.inode) {
+  // Not the device: its number may be another one after the next mount.
+  if (std::to_string(status.st_ino) != record.inode) {
     return SystemError{"find the folder of a partial item", record.folderPath,
                        std::make_error_code(std::errc::no_such_file_or_directory)};
   }
@@ -187,8 +185,7 @@ Result<PartialItem> PartialItems::begin(const ItemReference& destination) const 
   Result<FileDescriptor> record = createLockedRecord(recordPath);
   if (!record) return record.error();
   PartialItem partial(randomHiddenName(partialKind), recordPath, std::move(record).value());
-  const Record content = {std::to_string(status.st_dev), std::to_string(status.st_ino),
-                          partial.name(), pathOfFolder(destination)};
+  const Record content = {std::to_string(status.st_ino), partial.name(), pathOfFolder(destination)};
   if (Status written = partial.write(content.written()); !written) return written.error();
   return partial;
 }

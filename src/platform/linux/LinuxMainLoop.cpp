@@ -112,10 +112,8 @@ void LinuxMainLoop::runGuarded(const std::function<void()>& work) noexcept {
   }
 }
 
-bool LinuxMainLoop::Waker::event(QEvent* event) {
-  if (event->type() != QEvent::User) return QObject::event(event);
+void LinuxMainLoop::Waker::customEvent(QEvent* /*event*/) {
   loop_.runNextQueued();
-  return true;
 }
 
 }  // namespace tavrin

@@ -34,7 +34,9 @@ class LinuxMainLoop final : public MainLoop {
   class Waker : public QObject {
    public:
     explicit Waker(LinuxMainLoop& loop) : loop_(loop) {}
-    bool event(QEvent* event) override;
+
+   protected:
+    void customEvent(QEvent* event) override;
 
    private:
     LinuxMainLoop& loop_;

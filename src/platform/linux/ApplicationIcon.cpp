@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QIcon>
 #include <QString>
-#include <string>
 
 #include "platform/linux/Identity.h"
 #include "platform/linux/LinuxDirectories.h"
@@ -14,12 +13,12 @@ namespace tavrin {
 namespace {
 
 QIcon installedIcon() {
-  const std::string theme =
-      programDirectory() + "/" + identity::resourceFolder + "/../icons/hicolor/";
-  const std::string file = std::string("/apps/") + identity::applicationId + ".png";
+  const QString pattern = QFile::decodeName(programDirectory().c_str()) +
+                          QStringLiteral("/%1/../icons/hicolor/%2x%2/apps/%3.png");
   QIcon icon;
   for (const char* size : {"16", "22", "24", "32", "48", "64", "128", "256"}) {
-    icon.addFile(QFile::decodeName((theme + size + "x" + size + file).c_str()));
+    icon.addFile(pattern.arg(QLatin1String(identity::resourceFolder), QLatin1String(size),
+                             QLatin1String(identity::applicationId)));
   }
   return icon;
 }

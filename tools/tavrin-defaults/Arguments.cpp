@@ -1,6 +1,7 @@
 #include "Arguments.h"
 
 #include <charconv>
+#include <cmath>
 
 namespace tavrin::defaultstool {
 
@@ -38,6 +39,12 @@ std::optional<PropertyList> numberFrom(std::string_view text, Form... form) {
   return PropertyList(number);
 }
 
+/// The words for infinity and for what is no number are no values, as numbers too large are none.
+std::optional<PropertyList> realFrom(const std::string& text) {
+  auto number = numberFrom<double>(text, std::chars_format::general);
+  return number && std::isfinite(number->doubleValue()) ? number : std::nullopt;
+}
+
 std::optional<PropertyList> booleanFrom(const std::string& text) {
   if (text == "yes" || text == "true" || text == "1" || text == "YES" || text == "TRUE") {
     return PropertyList(true);
@@ -56,7 +63,7 @@ bool fillValue(Request& request, const std::string& kind, const std::string& tex
   }
   if (kind == "-bool") request.value = booleanFrom(text);
   if (kind == "-int") request.value = numberFrom<std::int64_t>(text, 10);
-  if (kind == "-float") request.value = numberFrom<double>(text, std::chars_format::general);
+  if (kind == "-float") request.value = realFrom(text);
   if (kind == "-string") request.value = text;
   if (!request.value) mistake = "\"" + text + "\" is no value of " + kind;
   return request.value.has_value();
@@ -92,6 +99,10 @@ bool fillOperands(Request& request, const std::vector<std::string>& words, std::
     return true;
   }
   if (words.size() > 2) request.key = words[2];
+  if (request.key && request.key->empty()) {
+    mistake = "a key has at least one character";
+    return false;
+  }
   return request.command != Command::Write || fillValue(request, words[3], words[4], mistake);
 }
 

@@ -6,9 +6,11 @@ namespace tavrin {
 
 namespace {
 
-constexpr int busyMilliseconds = 20'000;
 constexpr int attempts = 4;
 constexpr int schemaVersion = 1;
+
+/// How often others may put another file under the name while it is being opened.
+constexpr int replacementsByOthers = 100;
 
 /// Beside SQLite's own results: no database yet, and no longer the file that has the name.
 constexpr int withoutSchema = -1;
@@ -32,6 +34,10 @@ bool isDamage(int status) {
   return primary == SQLITE_CORRUPT || primary == SQLITE_NOTADB || primary == SQLITE_ERROR;
 }
 
+int waitForOthers(void* wait, int) {
+  return static_cast<BoundedWait*>(wait)->pause() ? 1 : 0;
+}
+
 }  // namespace
 
 DefaultsConnection::DefaultsConnection(std::string folder, Log& log,
@@ -52,13 +58,13 @@ void DefaultsConnection::open() {
   ++generation_;
   if (file_.folder().empty()) return openInMemory("the domain has no folder");
   std::string reason;
-  for (int replacements = 0; replacements < attempts;) {
+  for (int replacements = 0, others = 0; replacements < attempts;) {
     const int status = openFile(reason);
     if (status == SQLITE_OK) {
       hadDatabase_ = true;
       return;
     }
-    if (status == fileReplaced) {
+    if (status == fileReplaced && ++others < replacementsByOthers) {
       connection_.abandon();
       continue;
     }
@@ -77,7 +83,9 @@ int DefaultsConnection::openFile(std::string& reason) {
     return SQLITE_CANTOPEN;
   }
   opened_ = file_.identity();
-  const int status = opened_ == DefaultsFile::Identity{} ? withoutSchema : openExisting();
+  // SQLite would remove the log that stands beside an empty file, which others may be using.
+  const bool isThere = opened_.number != 0 && !opened_.isEmpty;
+  const int status = isThere ? openExisting() : withoutSchema;
   // Another process may have set the file aside between the look at its name and here.
   if (status != withoutSchema) return file_.identity() == opened_ ? status : fileReplaced;
   return initialize();
@@ -86,7 +94,7 @@ int DefaultsConnection::openFile(std::string& reason) {
 int DefaultsConnection::openExisting() {
   int status = connection_.open(file_.path(), SQLITE_OPEN_READWRITE);
   if (status != SQLITE_OK) return status;
-  sqlite3_busy_timeout(connection_.handle(), busyMilliseconds);
+  sqlite3_busy_handler(connection_.handle(), waitForOthers, &wait_);
   sqlite3_extended_result_codes(connection_.handle(), 1);
   if (sqlite3_db_readonly(connection_.handle(), "main") == 1) return SQLITE_READONLY;
   status = connection_.execute("PRAGMA synchronous=NORMAL; PRAGMA journal_size_limit=4194304");
@@ -97,13 +105,25 @@ int DefaultsConnection::openExisting() {
 }
 
 int DefaultsConnection::initialize() {
-  const DefaultsFile::Lock lock(file_);
+  const DefaultsFile::Lock lock(file_, wait_);
+  if (lock.isRefused()) return SQLITE_BUSY;
   if (!file_.ensureFile()) return SQLITE_CANTOPEN;
   opened_ = file_.identity();
+  if (opened_.isEmpty && (wasEmptied_ || file_.hasLog())) return SQLITE_CORRUPT;
   int status = openExisting();
   if (status != withoutSchema) return status;
+  status = createTables();
+  const bool wasEmpty = opened_.isEmpty;
+  opened_ = file_.identity();
+  // Somebody has had the file open since before it was emptied.
+  if (wasEmpty && opened_.isEmpty && (status & 0xFF) == SQLITE_BUSY) return SQLITE_CORRUPT;
+  if (status == SQLITE_OK && hadDatabase_) startedAfresh_();
+  return status;
+}
+
+int DefaultsConnection::createTables() {
   // Nothing is there to lose yet: one wait for the disk at the end does for all steps.
-  status = connection_.execute("PRAGMA synchronous=OFF");
+  int status = connection_.execute("PRAGMA synchronous=OFF");
   if (status == SQLITE_OK) status = useWriteAheadLog();
   if (status == SQLITE_OK) {
     status = connection_.execute("BEGIN IMMEDIATE;" + std::string(schema) + "PRAGMA user_version=" +
@@ -113,16 +133,14 @@ int DefaultsConnection::initialize() {
   if (status == SQLITE_OK) status = syncFile(SQLITE_FCNTL_FILE_POINTER);
   if (status == SQLITE_OK) status = syncFile(SQLITE_FCNTL_JOURNAL_POINTER);
   file_.makeFolderDurable();
-  if (status == SQLITE_OK && hadDatabase_) startedAfresh_();
   return status;
 }
 
 int DefaultsConnection::useWriteAheadLog() {
   // Others look at the new file for a moment before they wait for the lock, and SQLite does not
-  // wait for them here.
-  int status = SQLITE_BUSY;
-  for (int turn = 0; turn < busyMilliseconds && (status & 0xFF) == SQLITE_BUSY; ++turn) {
-    if (turn > 0) sqlite3_sleep(1);
+  // always wait for them here.
+  int status = connection_.execute("PRAGMA journal_mode=WAL");
+  while ((status & 0xFF) == SQLITE_BUSY && wait_.pause()) {
     status = connection_.execute("PRAGMA journal_mode=WAL");
   }
   return status;
@@ -156,7 +174,8 @@ void DefaultsConnection::copySavedValues() {
 
 bool DefaultsConnection::replaceDamaged() {
   if (isInMemory_) return false;
-  const DefaultsFile::Lock lock(file_);
+  const DefaultsFile::Lock lock(file_, wait_);
+  if (lock.isRefused()) return false;
   connection_.abandon();
   // Another process may have replaced it while this one waited.
   if (file_.identity() != opened_) return true;
@@ -168,14 +187,25 @@ bool DefaultsConnection::replaceDamaged() {
   log_.write("settings in " + file_.path() + " are damaged and now start afresh; the old file is " +
              aside.value());
   hadDatabase_ = true;
+  wasEmptied_ = false;
   return true;
 }
 
 void DefaultsConnection::ensureCurrent() {
-  if (isInMemory_ || (connection_.isOpen() && file_.identity() == opened_)) return;
+  wait_.begin();
+  follow();
+}
+
+void DefaultsConnection::follow() {
+  if (isInMemory_) return;
+  const DefaultsFile::Identity current = file_.identity();
+  if (connection_.isOpen() && current == opened_) return;
+  wasEmptied_ = connection_.isOpen() && current.isEmpty && current.number == opened_.number;
   connection_.abandon();
   file_.forgetLock();
   open();
+  // Whoever made the new database need not have given it its first values.
+  startedAfresh_();
 }
 
 bool DefaultsConnection::succeeded(const SqliteQuery& query) {
@@ -201,8 +231,9 @@ int DefaultsConnection::run(const char* begin, const Work& work) {
 
 bool DefaultsConnection::read(const Work& work) {
   int status = SQLITE_OK;
+  wait_.begin();
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    ensureCurrent();
+    follow();
     status = run("BEGIN", work);
     if (status == SQLITE_OK) return true;
     if (!isDamage(status) || !replaceDamaged()) break;
@@ -213,22 +244,28 @@ bool DefaultsConnection::read(const Work& work) {
 
 bool DefaultsConnection::write(const Work& work) {
   int status = SQLITE_BUSY;
+  wait_.begin();
   for (int attempt = 0; attempt < attempts; ++attempt) {
-    ensureCurrent();
-    {
-      const DefaultsFile::Lock lock(file_);
-      // Replaced while this one waited.
-      if (!isInMemory_ && file_.identity() != opened_) continue;
-      status = run("BEGIN IMMEDIATE", work);
-    }
+    follow();
+    status = isInMemory_ ? run("BEGIN IMMEDIATE", work) : writeLocked(work);
+    if (status == fileReplaced) continue;
     if (status == SQLITE_OK) {
+      wait_.succeed();
       file_.announceChange();
       return true;
     }
     if (!isDamage(status) || !replaceDamaged()) break;
   }
-  report("cannot write", status);
+  report("cannot write", status == fileReplaced ? SQLITE_BUSY : status);
   return false;
+}
+
+int DefaultsConnection::writeLocked(const Work& work) {
+  const DefaultsFile::Lock lock(file_, wait_);
+  if (lock.isRefused()) return SQLITE_BUSY;
+  // Replaced while this one waited.
+  if (file_.identity() != opened_) return fileReplaced;
+  return run("BEGIN IMMEDIATE", work);
 }
 
 int DefaultsConnection::syncFile(int which) {
@@ -239,8 +276,8 @@ int DefaultsConnection::syncFile(int which) {
 }
 
 bool DefaultsConnection::synchronize() {
-  if (isInMemory_) return false;
   ensureCurrent();
+  if (isInMemory_) return false;
   // Commits are complete in the log before they are on the disk; to sync that one file is enough.
   const int status = syncFile(SQLITE_FCNTL_JOURNAL_POINTER);
   if (status != SQLITE_OK) report("cannot synchronize", status);

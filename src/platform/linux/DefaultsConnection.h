@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/Log.h"
+#include "platform/linux/BoundedWait.h"
 #include "platform/linux/DefaultsFile.h"
 #include "platform/linux/SqliteConnection.h"
 
@@ -11,12 +12,15 @@ namespace tavrin {
 
 /// The connection to the database of one settings domain, for one thread.
 ///
-/// It opens again when another file took the name, sets a damaged database aside for an empty one,
-/// and where no database can be written works on one in memory, with the values that can be read.
-/// Each of these is told to the log in one line.
+/// It opens again when another file took the name or the file was emptied, sets a damaged database
+/// aside for an empty one, and where no database can be written works on one in memory, with the
+/// values that can be read. Setting aside and working in memory are told to the log in one line.
+///
+/// No operation waits longer for other processes than BoundedWait allows; then it has failed.
 class DefaultsConnection {
  public:
-  /// `startedAfresh` is called when an empty database took the place of a lost one.
+  /// `startedAfresh` is called when another database, which may be empty, took the place of the one
+  /// that was used.
   DefaultsConnection(std::string folder, Log& log, std::function<void()> startedAfresh);
 
   DefaultsConnection(const DefaultsConnection&) = delete;
@@ -36,7 +40,7 @@ class DefaultsConnection {
   SqliteQuery query(const char* text) { return connection_.query(text); }
   bool succeeded(const SqliteQuery& query);
 
-  /// Makes sure that the connection is to the file that now has the name.
+  /// Makes sure that the connection is to the file that now has the name. Begins an operation.
   void ensureCurrent();
   /// Differs after each opening.
   std::uint64_t generation() const { return generation_; }
@@ -48,11 +52,14 @@ class DefaultsConnection {
   const std::string& folder() const { return file_.folder(); }
 
  private:
+  void follow();
   void open();
   int openFile(std::string& reason);
   int openExisting();
   int initialize();
+  int createTables();
   int useWriteAheadLog();
+  int writeLocked(const Work& work);
   /// Waits for the disk with the file that SQLite knows under this operation code.
   int syncFile(int which);
   void openInMemory(const std::string& reason);
@@ -62,6 +69,7 @@ class DefaultsConnection {
   void report(const char* what, int status);
 
   DefaultsFile file_;
+  BoundedWait wait_;
   Log& log_;
   std::function<void()> startedAfresh_;
   SqliteConnection connection_;
@@ -70,6 +78,8 @@ class DefaultsConnection {
   int failure_ = SQLITE_OK;
   bool isInMemory_ = false;
   bool hadDatabase_ = false;
+  /// The file lost its contents while it was open here.
+  bool wasEmptied_ = false;
 };
 
 }  // namespace tavrin

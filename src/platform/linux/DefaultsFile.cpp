@@ -68,7 +68,13 @@ void DefaultsFile::makeFolderDurable() const {
 DefaultsFile::Identity DefaultsFile::identity() const {
   struct stat status {};
   if (path_.empty() || ::stat(path_.c_str(), &status) != 0) return {};
-  return {status.st_dev, status.st_ino};
+  return {status.st_dev, status.st_ino, status.st_size == 0};
+}
+
+bool DefaultsFile::hasLog() const {
+  struct stat status {};
+  return ::lstat((path_ + "-wal").c_str(), &status) == 0 ||
+         ::lstat((path_ + "-shm").c_str(), &status) == 0;
 }
 
 Result<std::string> DefaultsFile::setAside() const {
@@ -86,19 +92,25 @@ Result<std::string> DefaultsFile::setAside() const {
   }
 }
 
-DefaultsFile::Lock::Lock(DefaultsFile& file) : file_(file) {
+DefaultsFile::Lock::Lock(DefaultsFile& file, BoundedWait& wait) : file_(file) {
   if (file_.lockDepth_++ > 0) return;
   if (!file_.lockFile_ && !file_.folder_.empty()) {
     const std::string path = file_.folder_ + "/defaults.lock";
     file_.lockFile_ = FileDescriptor(::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   }
   if (!file_.lockFile_) return;
-  while (::flock(file_.lockFile_.get(), LOCK_EX) != 0 && errno == EINTR) {
+  // The system itself would wait for a stopped process without end.
+  while (::flock(file_.lockFile_.get(), LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EINTR) continue;
+    isRefused_ = errno == EWOULDBLOCK;
+    if (!isRefused_ || !wait.pause()) return;
+    isRefused_ = false;
   }
 }
 
 DefaultsFile::Lock::~Lock() {
-  if (--file_.lockDepth_ == 0 && file_.lockFile_) ::flock(file_.lockFile_.get(), LOCK_UN);
+  if (--file_.lockDepth_ == 0 && file_.lockFile_ && !isRefused_)
+    ::flock(file_.lockFile_.get(), LOCK_UN);
 }
 
 void DefaultsFile::announceChange() {

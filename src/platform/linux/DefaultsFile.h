@@ -5,6 +5,7 @@
 #include <string>
 
 #include "foundation/Result.h"
+#include "platform/linux/BoundedWait.h"
 #include "platform/linux/FileDescriptor.h"
 
 namespace tavrin {
@@ -27,30 +28,38 @@ class DefaultsFile {
   /// Makes the names in the folder outlive a power cut.
   void makeFolderDurable() const;
 
-  /// Which file stands under the name.
+  /// Which file stands under the name, and whether it holds anything.
   struct Identity {
     dev_t device = 0;
     ino_t number = 0;
+    bool isEmpty = false;
     bool operator==(const Identity&) const = default;
   };
   /// All zeros when there is none.
   Identity identity() const;
+  /// Whether SQLite's log or its index is there, as they are beside a database in use.
+  bool hasLog() const;
 
   /// Gives the damaged database and SQLite's files beside it other names, which nothing has yet:
   /// `defaults.sqlite.corrupt-1` and so on. Returns the new path.
   Result<std::string> setAside() const;
 
-  /// Waits until no other process or thread holds the lock, and holds it until the end of its life.
-  /// Where the lock file cannot be made it holds nothing, since nothing can be written either.
+  /// Waits, as long as `wait` allows, until no other process or thread holds the lock, and holds it
+  /// until the end of its life. Where the lock file cannot be made it holds nothing, since nothing
+  /// can be written either.
   class Lock {
    public:
-    explicit Lock(DefaultsFile& file);
+    Lock(DefaultsFile& file, BoundedWait& wait);
     Lock(const Lock&) = delete;
     Lock& operator=(const Lock&) = delete;
     ~Lock();
 
+    /// Whether somebody else kept the lock all the time.
+    bool isRefused() const { return isRefused_; }
+
    private:
     DefaultsFile& file_;
+    bool isRefused_ = false;
   };
 
   /// Opens the lock file anew next time, after the folder may have been replaced.

@@ -1,8 +1,14 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+
+#include "platform/linux/FileDescriptor.h"
 #include "tests/platform/storage/DefaultsHarness.h"
 
 namespace tavrin {
@@ -11,6 +17,44 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+
+/// A process that does `work`, says so, and then waits to be ended with this object; it starts
+/// before its parent has a connection, which it would share. Work that waits without end fails.
+class OtherProcess {
+ public:
+  template <typename Work>
+  explicit OtherProcess(Work work) {
+    int ends[2] = {-1, -1};
+    if (::pipe(ends) != 0) return;
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::alarm(20);
+      work();
+      static_cast<void>(::write(ends[1], "", 1) == 1);
+      for (;;) ::pause();
+    }
+    ::close(ends[1]);
+    done_ = FileDescriptor(ends[0]);
+  }
+  OtherProcess(const OtherProcess&) = delete;
+  OtherProcess& operator=(const OtherProcess&) = delete;
+  ~OtherProcess() {
+    if (process_ <= 0) return;
+    ::kill(process_, SIGKILL);
+    ::waitpid(process_, nullptr, 0);
+  }
+
+  /// Waits for the end of the work; false when it failed.
+  bool waitDone() const {
+    char byte = 0;
+    return ::read(done_.get(), &byte, 1) == 1;
+  }
+  void stop() const { ::kill(process_, SIGSTOP); }
+
+ private:
+  pid_t process_ = -1;
+  FileDescriptor done_;
+};
 
 class DefaultsDamage : public testing::Test {
  protected:
@@ -104,6 +148,96 @@ TEST_F(DefaultsDamage, WhileOpenTheNextWriteGoesToAFreshOne) {
   std::filesystem::remove_all(configuration_.domainFolder());
   defaults->setObject("third", "key");
   EXPECT_EQ(LinuxUserDefaultsProvider(log_).standardUserDefaults()->objectForKey("key"), "third");
+}
+
+TEST_F(DefaultsDamage, EmptiedWhileOpenTheNextUseStartsAfresh) {
+  LinuxUserDefaultsProvider provider(log_);
+  const auto defaults = provider.standardUserDefaults();
+  int told = 0;
+  const Observation observation = defaults->observe("key", [&](const auto&) { ++told; });
+  for (const int round : {1, 2, 3}) {
+    defaults->setObject("old", "key");
+    provider.processChanges();
+    told = 0;
+    std::filesystem::resize_file(configuration_.database(), 0);
+    // A change notice, a read and a write, each as the first to see it.
+    if (round == 1) {
+      ASSERT_TRUE(test::waitReadable(provider.changeDescriptor()));
+      provider.processChanges();
+      EXPECT_EQ(told, 1);
+    }
+    if (round == 2) {
+      EXPECT_EQ(defaults->objectForKey("key"), std::nullopt);
+    }
+    defaults->setObject("new", "other");
+    EXPECT_EQ(defaults->objectForKey("key"), std::nullopt);
+    EXPECT_EQ(LinuxUserDefaultsProvider(log_).standardUserDefaults()->objectForKey("other"), "new");
+    EXPECT_TRUE(provider.takeStartedAfresh());
+    EXPECT_EQ(countSetAside(), round);
+    EXPECT_EQ(log_.lines().size(), static_cast<std::size_t>(round));
+  }
+}
+
+TEST_F(DefaultsDamage, EmptiedWhileOthersHaveItOpenAllGoToOneFreshOne) {
+  const OtherProcess user([this] {
+    static LinuxUserDefaultsProvider provider(log_);
+    static const auto defaults = provider.standardUserDefaults();
+    defaults->setObject("old", "key");
+  });
+  ASSERT_TRUE(user.waitDone());
+  const OtherProcess finder([this] {
+    while (std::filesystem::file_size(configuration_.database()) > 0) ::usleep(1000);
+    LinuxUserDefaultsProvider(log_).standardUserDefaults()->setObject("new", "key");
+  });
+  LinuxUserDefaultsProvider provider(log_);
+  const auto defaults = provider.openStandard();
+  EXPECT_EQ(defaults->objectForKey("key"), "old");
+  std::filesystem::resize_file(configuration_.database(), 0);
+  ASSERT_TRUE(finder.waitDone());
+  // The process that made the fresh one has not seeded it: this one is to.
+  EXPECT_EQ(defaults->objectForKey("key"), "new");
+  EXPECT_TRUE(provider.takeStartedAfresh());
+  EXPECT_TRUE(defaults->isStored());
+  EXPECT_EQ(countSetAside(), 1);
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(DefaultsDamage, ALockThatIsNeverReleasedCostsSecondsAndOneLineEach) {
+  using std::chrono::steady_clock;
+  LinuxUserDefaultsProvider(log_).standardUserDefaults()->setObject("old", "key");
+  {
+    const OtherProcess holder([this] {
+      const std::string path = configuration_.domainFolder() + "/defaults.lock";
+      if (::flock(::open(path.c_str(), O_RDWR | O_CLOEXEC), LOCK_EX) != 0) ::_exit(1);
+    });
+    ASSERT_TRUE(holder.waitDone());
+    holder.stop();
+    // In another process, since without a bound it would never end.
+    const OtherProcess writer([this] {
+      const auto started = steady_clock::now();
+      FakeLog log;
+      LinuxUserDefaultsProvider inner(log);
+      const auto other = inner.openStandard();
+      for (int turn = 0; turn < 20; ++turn) other->setObject("new", "key");
+      const bool isQuick = steady_clock::now() - started < std::chrono::seconds(5);
+      if (!isQuick || !other->isStored() || other->objectForKey("key") != "old") ::_exit(1);
+      if (log.lines().size() != 20) ::_exit(1);
+    });
+    ASSERT_TRUE(writer.waitDone());
+    LinuxUserDefaultsProvider provider(log_);
+    const auto defaults = provider.openStandard();
+    EXPECT_EQ(defaults->objectForKey("key"), "old");
+    EXPECT_FALSE(defaults->setObjects({{"key", "newer"}}));
+    EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("locked")));
+    // Nothing can be made there either: that goes on from memory.
+    std::filesystem::remove(configuration_.database());
+    defaults->setObject("kept", "key");
+    EXPECT_EQ(defaults->objectForKey("key"), "kept");
+    EXPECT_FALSE(defaults->isStored());
+  }
+  const auto again = LinuxUserDefaultsProvider(log_).openStandard();
+  again->setObject("after", "key");
+  EXPECT_TRUE(again->isStored());
 }
 
 TEST_F(DefaultsDamage, ProcessesThatFindItTogetherKeepTheFreshOne) {

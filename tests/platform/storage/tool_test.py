@@ -2,12 +2,28 @@
 
 import os
 import plistlib
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 TOOL = sys.argv.pop(1)
+
+# Holds a database open, as a running program does, or a lock, until it is ended.
+HOLDER = """
+import fcntl, sqlite3, sys
+kind, path = sys.argv[1:]
+if kind == "lock":
+    held = open(path)
+    fcntl.flock(held, fcntl.LOCK_EX)
+else:
+    held = sqlite3.connect(path)
+    held.execute("SELECT count(*) FROM setting").fetchall()
+print("ready", flush=True)
+sys.stdin.read()
+"""
 
 
 class ToolTest(unittest.TestCase):
@@ -55,6 +71,7 @@ class ToolTest(unittest.TestCase):
         for kind, text in [
             ("-int", "12x"), ("-int", ""), ("-int", " 1"), ("-int", "1.0"),
             ("-int", "9223372036854775808"), ("-float", "1,5"), ("-float", ""),
+            ("-float", "1e999"), ("-float", "nan"), ("-float", "-inf"), ("-float", "+infinity"),
             ("-bool", "maybe"), ("-bool", "2"), ("-unknown", "1"),
         ]:
             self.run_tool("write", "standard", "key", kind, text, status=2)
@@ -64,7 +81,8 @@ class ToolTest(unittest.TestCase):
         for words in [
             [], ["read"], ["read", "elsewhere"], ["frobnicate", "standard"],
             ["read", "standard", "a", "b"], ["write", "standard", "key", "-int"],
-            ["export", "standard"], ["--help", "more"],
+            ["export", "standard"], ["--help", "more"], ["write", "standard", "", "-int", "1"],
+            ["read", "standard", ""], ["delete", "standard", ""],
         ]:
             self.run_tool(*words, status=2)
         self.run_tool("delete", "standard", "absent", status=1)
@@ -122,6 +140,52 @@ class ToolTest(unittest.TestCase):
         with open(self.path("config"), "w"):
             pass
         self.run_tool("write", "standard", "key", "-int", "1", status=1)
+
+    def start_holder(self, *files):
+        """Starts a process that opens the domain's files and then says so."""
+        holder = subprocess.Popen(
+            [sys.executable, "-c", HOLDER, *files], stdin=subprocess.PIPE, stdout=subprocess.PIPE
+        )
+        self.addCleanup(holder.communicate)
+        self.addCleanup(holder.kill)
+        self.assertEqual(holder.stdout.readline(), b"ready\n")
+        return holder
+
+    def run_while_held(self, *words):
+        environment = dict(os.environ, XDG_CONFIG_HOME=self.path("config"))
+        started = time.monotonic()
+        result = subprocess.run([TOOL, *words], capture_output=True, env=environment, timeout=20)
+        self.assertLess(time.monotonic() - started, 5)
+        self.assertEqual(result.stderr.count(b"\n"), 1, result.stderr)
+        return result
+
+    def database(self):
+        (folder,) = os.listdir(self.path("config"))
+        return os.path.join(self.path("config"), folder, "defaults.sqlite")
+
+    def test_an_emptied_database_in_use_is_set_aside(self):
+        self.run_tool("write", "standard", "key", "-int", "1")
+        for with_log in [True, False]:
+            self.start_holder("database", self.database())
+            os.truncate(self.database(), 0)
+            if not with_log:
+                os.remove(self.database() + "-wal")
+                os.remove(self.database() + "-shm")
+            result = self.run_while_held("export", "standard", "-")
+            self.assertEqual(result.returncode, 0)
+            self.assertEqual(plistlib.loads(result.stdout), {})
+            self.assertIn(b"start afresh", result.stderr)
+            self.run_tool("write", "standard", "key", "-int", "2")
+            self.assertEqual(self.run_tool("read", "standard", "key"), b"2\n")
+
+    def test_a_lock_that_is_never_released_is_a_failure(self):
+        self.run_tool("write", "standard", "key", "-int", "1")
+        lock = os.path.join(os.path.dirname(self.database()), "defaults.lock")
+        holder = self.start_holder("lock", lock)
+        os.kill(holder.pid, signal.SIGSTOP)
+        self.assertEqual(self.run_tool("read", "standard", "key"), b"1\n")
+        self.assertEqual(self.run_while_held("write", "standard", "key", "-int", "2").returncode, 1)
+        self.assertEqual(self.run_tool("read", "standard", "key"), b"1\n")
 
 
 if __name__ == "__main__":

@@ -54,13 +54,12 @@ class FakeSettingsPortal : public QObject {
   void change(const QString& group, const QString& key, uint value);
 
  public Q_SLOTS:  // NOLINT(readability-redundant-access-specifiers)
-  QDBusVariant Read(const QString& group,
-                    const QString& key);  // NOLINT(readability-identifier-naming)
+  // NOLINTBEGIN(readability-identifier-naming): the names are the portal's.
+  QDBusVariant Read(const QString& group, const QString& key);
 
  Q_SIGNALS:
-  void SettingChanged(const QString& group,
-                      const QString& key,  // NOLINT(readability-identifier-naming)
-                      const QDBusVariant& value);
+  void SettingChanged(const QString& group, const QString& key, const QDBusVariant& value);
+  // NOLINTEND(readability-identifier-naming)
 
  private:
   uint colourScheme_;

@@ -22,9 +22,11 @@ using testing::HasSubstr;
 class LinuxSoundTest : public testing::Test {
  protected:
   LinuxSoundTest() {
+    // NOLINTBEGIN(concurrency-mt-unsafe): no other thread runs yet.
     ::setenv("PULSE_SERVER", ("unix:" + (folder_ / "no-server")).c_str(), 1);
     ::setenv("PULSE_CLIENTCONFIG", "/dev/null", 1);
     ::setenv("XDG_RUNTIME_DIR", folder_.path().c_str(), 1);
+    // NOLINTEND(concurrency-mt-unsafe)
   }
 
   bool waitForLines(std::size_t count) {
@@ -95,7 +97,8 @@ TEST_F(LinuxSoundTest, neverHoldsUpTheCaller) {
                            "s.bind(sys.argv[1]); s.listen(9); time.sleep(60)",
                            server});
   ASSERT_TRUE(QTest::qWaitFor([&] { return ::access(server.c_str(), F_OK) == 0; }));
-  ::setenv("PULSE_SERVER", ("unix:" + server).c_str(), 1);
+  // No sound plays yet.
+  ::setenv("PULSE_SERVER", ("unix:" + server).c_str(), 1);  // NOLINT(concurrency-mt-unsafe)
   const auto start = std::chrono::steady_clock::now();
   {
     LinuxSoundProvider provider(log_, TAVRIN_TEST_MODULES);

@@ -18,7 +18,6 @@ namespace tavrin {
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr PanelRules everything{true, true, nullptr};
 constexpr PanelRules foldersOnly{false, true, nullptr};

@@ -143,6 +143,37 @@ class Grants(Access):
         self.assertEqual(self.names_in(self.there), [])
 
 
+class ReplacedWhileShown(Access):
+    """A link takes the place of the folder while its panel is up."""
+
+    def test_the_link_is_not_followed(self):
+        here = self.source.parent
+        outside = self.make_file("outside/a.txt", "not mine").parent
+        self.copy()
+        window = self.session.wait_for_window(ACCESS_PANEL)
+        moved = here.rename(self.session.files / "moved")
+        here.symlink_to(outside.name)
+        self.session.key("Return", "Return")
+        self.session.screenshot("replaced-folder")
+        self.assertEqual(self.session.windows(ACCESS_PANEL), [window])
+        self.session.cancel()
+        self.session.wait_for_sounds(FAILED)
+        self.assertEqual(self.session.grants(), {})
+        self.assertEqual(self.names_in(self.there), [])
+
+        here.unlink()
+        moved.rename(here)
+        self.copy()
+        self.session.authorize()
+        self.session.authorize()
+        self.session.wait_for_sounds(FAILED, DONE)
+        self.assertEqual((self.there / "a.txt").read_text(), "mine")
+        self.assertEqual(set(self.session.grants()), {str(here), str(self.there)})
+        self.restart()
+        self.copy()
+        self.session.wait_for_sounds(FAILED, DONE, DONE)
+
+
 class Panel(Access):
     """Children of the folder asked for, and its siblings, cannot be picked by any way."""
 

@@ -53,6 +53,7 @@ Result<PropertyList::Data> FakeSecurityScope::bookmarkDataForURL(const FileURL& 
   };
   if (const auto cause = std::exchange(nextFault_, std::nullopt)) return failure(*cause);
   const std::string realPath = fileManager_.resolvingSymlinksInPath(url.path());
+  if (isLedElsewhere(url.path())) return failure(std::errc::permission_denied);
   const auto identity = fileManager_.identityOfItem(realPath);
   if (!identity) return failure(std::errc::no_such_file_or_directory);
   if (grantedIdentity(realPath) != identity) return failure(std::errc::permission_denied);
@@ -79,7 +80,7 @@ bool FakeSecurityScope::startAccessingSecurityScopedResource(const FileURL& url)
   const std::lock_guard lock(mutex_);
   const std::string realPath = fileManager_.resolvingSymlinksInPath(url.path());
   const auto present = fileManager_.identityOfItem(realPath);
-  if (!present || grantedIdentity(realPath) != present) return false;
+  if (isLedElsewhere(url.path()) || !present || grantedIdentity(realPath) != present) return false;
   started_[realPath] = *present;
   return true;
 }
@@ -105,6 +106,11 @@ bool FakeSecurityScope::isStarted(const std::string& realPath) const {
     }
   }
   return false;
+}
+
+/// Whether a link came into the path of a granted URL.
+bool FakeSecurityScope::isLedElsewhere(const std::string& path) const {
+  return granted_.contains(path) && fileManager_.resolvingSymlinksInPath(path) != path;
 }
 
 bool FakeSecurityScope::covers(const std::string& realPath) const {

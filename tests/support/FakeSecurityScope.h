@@ -43,6 +43,7 @@ class FakeSecurityScope final : public SecurityScope {
   using Grants = std::map<std::string, std::uint64_t>;
 
   bool isStarted(const std::string& realPath) const;
+  bool isLedElsewhere(const std::string& path) const;
   std::optional<std::uint64_t> grantedIdentity(const std::string& realPath) const;
   PropertyList::Data seal(const std::string& content) const;
 

@@ -27,7 +27,6 @@ namespace tavrin {
 struct LinuxPlatform::Services {
   Services(AcceptedRequests& accepted, BusIntake& intake, Log& systemLog);
 
-  void grantPicked(const FileURL& url);
   void appearanceChanged(bool isDark);
   void settingsChanged();
 
@@ -61,7 +60,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       userDefaults(log),
       securityScope(LinuxSecurityScope::standardLocations(bundle.resourcePath()), log),
       fileManager(securityScope, log),
-      panels([this](const FileURL& url) { grantPicked(url); }),
+      panels([this](const auto& picked) { securityScope.grantByPicking(picked); }),
       sounds(log, bundle.builtInPlugInsPath()),
       statusBar(appendingPathComponent(bundle.resourcePath(), "icons")),
       workspace(intake.connection(), log),
@@ -91,11 +90,6 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                loginItems,
                distributedNotifications} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
-}
-
-void LinuxPlatform::Services::grantPicked(const FileURL& url) {
-  const Status granted = securityScope.grantByPicking(url);
-  if (!granted) log.write(granted.error().describe());
 }
 
 void LinuxPlatform::Services::appearanceChanged(bool isDark) {

@@ -26,6 +26,21 @@ LinuxSecurityScope::LinuxSecurityScope(const Locations& locations, Log& log)
   }
 }
 
+bool LinuxSecurityScope::isGranted(const std::string& path) const {
+  const std::lock_guard lock(mutex_);
+  return granted_.contains(path);
+}
+
+/// Where the links of a URL lead. A granted URL had none: one that came into its path since must
+/// not lead its grant elsewhere.
+Result<std::string> LinuxSecurityScope::realPathOf(const FileURL& url) const {
+  std::string realPath = pathByResolvingSymlinks(url.path());
+  if (realPath != url.path() && isGranted(url.path())) {
+    return systemError("find grant", url.path(), std::errc::permission_denied);
+  }
+  return realPath;
+}
+
 /// The grant of a real path as long as its item stands there.
 LinuxSecurityScope::Grant LinuxSecurityScope::grantAt(const std::string& realPath) const {
   Grant grant;
@@ -47,12 +62,15 @@ Result<FileIdentity> LinuxSecurityScope::grantedIdentity(const std::string& real
 }
 
 Result<PropertyList::Data> LinuxSecurityScope::bookmarkDataForURL(const FileURL& url) {
-  const std::string realPath = pathByResolvingSymlinks(url.path());
-  const auto identity = grantedIdentity(realPath);
-  if (!identity) return systemError("make bookmark", realPath, identity.error().code.value());
+  const auto realPath = realPathOf(url);
+  if (!realPath) return realPath.error();
+  const auto identity = grantedIdentity(realPath.value());
+  if (!identity) {
+    return systemError("make bookmark", realPath.value(), identity.error().code.value());
+  }
   const auto key = key_.bytes();
   if (!key) return key.error();
-  return sealBookmark({realPath, identity.value()}, key.value());
+  return sealBookmark({realPath.value(), identity.value()}, key.value());
 }
 
 ResolvedBookmark LinuxSecurityScope::urlByResolvingBookmarkData(
@@ -83,22 +101,19 @@ ResolvedBookmark LinuxSecurityScope::grantBookmarked(const std::string& path,
 }
 
 bool LinuxSecurityScope::startAccessingSecurityScopedResource(const FileURL& url) {
-  const std::string realPath = pathByResolvingSymlinks(url.path());
-  if (const Grant grant = grantAt(realPath)) {
+  const auto realPath = realPathOf(url);
+  if (!realPath) return false;
+  if (const Grant grant = grantAt(realPath.value())) {
     startedScopes_.start(grant);
     return true;
   }
-  return static_cast<bool>(grantedIdentity(realPath));
+  return static_cast<bool>(grantedIdentity(realPath.value()));
 }
 
-Status LinuxSecurityScope::grantByPicking(const FileURL& url) {
-  const std::string realPath = pathByResolvingSymlinks(url.path());
-  const auto grant = ScopeGrant::open(realPath);
-  if (!grant) return grant.error();
-  startedScopes_.start(grant.value());
+void LinuxSecurityScope::grantByPicking(const Grant& picked) {
+  startedScopes_.start(picked);
   const std::lock_guard lock(mutex_);
-  granted_[realPath] = grant.value();
-  return success();
+  granted_[picked->path()] = picked;
 }
 
 }  // namespace tavrin

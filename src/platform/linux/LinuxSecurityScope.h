@@ -36,9 +36,9 @@ class LinuxSecurityScope final : public SecurityScope {
   ResolvedBookmark urlByResolvingBookmarkData(const PropertyList::Data& bookmark) override;
   bool startAccessingSecurityScopedResource(const FileURL& url) override;
 
-  /// Grants what the user has picked in a panel and starts its scope. Symbolic links are followed:
-  /// what they lead to is granted. Fails when nothing stands there.
-  Status grantByPicking(const FileURL& url);
+  /// Grants what the user has picked in a panel, as the handle that the panel took of it, and
+  /// starts its scope.
+  void grantByPicking(const std::shared_ptr<const ScopeGrant>& picked);
 
   /// What is covered now.
   const StartedScopes& startedScopes() const { return startedScopes_; }
@@ -46,6 +46,8 @@ class LinuxSecurityScope final : public SecurityScope {
  private:
   using Grant = StartedScopes::Grant;
 
+  bool isGranted(const std::string& path) const;
+  Result<std::string> realPathOf(const FileURL& url) const;
   Grant grantAt(const std::string& realPath) const;
   Result<FileIdentity> grantedIdentity(const std::string& realPath) const;
   ResolvedBookmark grantBookmarked(const std::string& path, const FileIdentity& identity);

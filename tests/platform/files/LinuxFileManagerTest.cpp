@@ -9,6 +9,7 @@
 #include <fstream>
 
 #include "platform/linux/LinuxFileManager.h"
+#include "tests/platform/files/PickedItem.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/FakeLog.h"
 #include "tests/support/ScratchFolder.h"
@@ -24,9 +25,7 @@ namespace fs = std::filesystem;
 
 class LinuxFileManagerTest : public ::testing::Test {
  protected:
-  void pick(const std::string& path) {
-    ASSERT_TRUE(scopes_.grantByPicking(FileURL::fileURLWithPath(path)));
-  }
+  void pick(const std::string& path) { ASSERT_TRUE(grantByPicking(scopes_, path)); }
 
   /// 40 folders in each other, of 200 bytes each: longer than any path a system call takes.
   static std::string deepPath(const std::string& path) {
@@ -87,7 +86,7 @@ TEST_F(LinuxFileManagerTest, StaysBeneathTheGrantOnKernelsWithoutItsHelp) {
     if (files_.contentsAtPath(scratch_ / "grant/exit/file")) return 5;
     if (files_.contentsAtPath(scratch_ / "grant/sub/../../outside/file")) return 6;
     if (files_.createFileAtPath(scratch_ / "grant/exit/new", {})) return 7;
-    if (!scopes_.grantByPicking(FileURL::fileURLWithPath(scratch_ / "outside"))) return 8;
+    if (!grantByPicking(scopes_, scratch_ / "outside")) return 8;
     if (!files_.contentsAtPath(scratch_ / "grant/exit/file")) return 9;
     return 0;
   });

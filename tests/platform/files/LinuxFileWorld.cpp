@@ -6,6 +6,7 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxSecurityScope.h"
 #include "tests/platform/files/FileWorld.h"
+#include "tests/platform/files/PickedItem.h"
 #include "tests/support/FakeLog.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -65,7 +66,7 @@ class LinuxFileWorld final : public FileWorld {
   }
 
   bool pick(const std::string& absolutePath) override {
-    return static_cast<bool>(scopes_->grantByPicking(FileURL::fileURLWithPath(absolutePath)));
+    return static_cast<bool>(grantByPicking(*scopes_, absolutePath));
   }
 
   void relaunch(User user) override {

@@ -14,6 +14,7 @@
 
 #include "platform/linux/Bookmark.h"
 #include "platform/linux/LinuxSecurityScope.h"
+#include "tests/platform/files/PickedItem.h"
 #include "tests/support/FakeLog.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -40,7 +41,7 @@ class LinuxSecurityScopeTest : public ::testing::Test {
 
   PropertyList::Data bookmarkOfGrant() {
     const auto scope = launch();
-    EXPECT_TRUE(scope->grantByPicking(grantURL()));
+    EXPECT_TRUE(grantByPicking(*scope, grant()));
     const auto bookmark = scope->bookmarkDataForURL(grantURL());
     EXPECT_TRUE(bookmark);
     return bookmark ? bookmark.value() : PropertyList::Data();
@@ -116,13 +117,37 @@ TEST_F(LinuxSecurityScopeTest, FollowsNoLinkThatCameIntoThePathOfABookmark) {
   fs::create_directories(parent + "/folder");
   const FileURL url = FileURL::fileURLWithPath(parent + "/folder");
   auto scope = launch();
-  ASSERT_TRUE(scope->grantByPicking(url));
+  ASSERT_TRUE(grantByPicking(*scope, url.path()));
   const auto bookmark = scope->bookmarkDataForURL(url);
   ASSERT_TRUE(bookmark);
   fs::rename(parent, scratch_ / "moved");
   fs::create_directory_symlink("moved", parent);
   scope = launch();
-  EXPECT_FALSE(scope->urlByResolvingBookmarkData(bookmark.value()).url);
+  const ResolvedBookmark resolved = scope->urlByResolvingBookmarkData(bookmark.value());
+  EXPECT_FALSE(resolved.url);
+  EXPECT_FALSE(resolved.isStale);
+  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("bookmark does not resolve")));
+}
+
+TEST_F(LinuxSecurityScopeTest, GrantsTheItemThatWasTakenAndNotWhatCameToItsPath) {
+  const std::string outside = scratch_ / "outside";
+  fs::create_directory(outside);
+  const auto picked = ScopeGrant::open(grant());
+  ASSERT_TRUE(picked);
+  fs::rename(grant(), scratch_ / "moved");
+  fs::create_directory_symlink("outside", grant());
+  const auto scope = launch();
+  scope->grantByPicking(picked.value());
+  for (const std::string& folder : {grant(), outside}) {
+    const auto located = scope->startedScopes().locate(folder + "/new", ScopeAccess::Change);
+    ASSERT_FALSE(located) << folder;
+    EXPECT_EQ(located.error().code, std::errc::permission_denied);
+  }
+  EXPECT_FALSE(scope->bookmarkDataForURL(grantURL()));
+  fs::remove(grant());
+  fs::rename(scratch_ / "moved", grant());
+  EXPECT_TRUE(scope->startedScopes().locate(grant() + "/new", ScopeAccess::Change));
+  EXPECT_TRUE(scope->bookmarkDataForURL(grantURL()));
 }
 
 TEST_F(LinuxSecurityScopeTest, KeepsTheKeyForTheUserAlone) {
@@ -165,7 +190,7 @@ TEST_F(LinuxSecurityScopeTest, SetsADamagedKeyAside) {
 TEST_F(LinuxSecurityScopeTest, MakesNoBookmarkWithoutAPlaceForTheKey) {
   std::ofstream(scratch_ / "config") << "a file where a folder should be";
   const auto scope = launch();
-  ASSERT_TRUE(scope->grantByPicking(grantURL()));
+  ASSERT_TRUE(grantByPicking(*scope, grant()));
   const auto bookmark = scope->bookmarkDataForURL(grantURL());
   ASSERT_FALSE(bookmark);
   EXPECT_EQ(bookmark.error().code, std::errc::not_a_directory);

@@ -12,6 +12,7 @@
 #include <thread>
 
 #include "platform/linux/LinuxFileManager.h"
+#include "tests/platform/files/PickedItem.h"
 #include "tests/support/FakeLog.h"
 #include "tests/support/ScratchFolder.h"
 #include "tests/support/TreeBuilder.h"
@@ -69,7 +70,7 @@ class ScopeAttack : public ::testing::Test {
     tree_.file(std::string("outside/") + secretName, secret);
     tree_.file(std::string("outside/deep/") + secretName, secret);
     tree_.symbolicLink("grant/tree/exit", "../../outside");
-    EXPECT_TRUE(scopes_.grantByPicking(FileURL::fileURLWithPath(scratch_ / "grant")));
+    EXPECT_TRUE(grantByPicking(scopes_, scratch_ / "grant"));
   }
 
   std::string tree(const std::string& path) const { return scratch_ / ("grant/tree/" + path); }

@@ -114,6 +114,28 @@ TEST_P(SecurityScopeContract, GrantsWhereALinkLeads) {
   EXPECT_EQ(scopes().urlByResolvingBookmarkData(bookmark.value()).url, url("grant"));
 }
 
+TEST_P(SecurityScopeContract, LetsNoLinkLeadAGrantElsewhere) {
+  world_->addFile("parent/grant/file", "text");
+  world_->addFile("outside/file", "text");
+  for (const char* granted : {"grant", "parent/grant", "outside"}) {
+    ASSERT_TRUE(world_->pick(at(granted)));
+  }
+  world_->renameItem("grant", "away");
+  world_->addSymlink("grant", "outside");
+  world_->renameItem("parent", "moved");
+  world_->addSymlink("parent", "moved");
+  for (const char* linked : {"grant", "parent/grant"}) {
+    const auto refused = scopes().bookmarkDataForURL(url(linked));
+    ASSERT_FALSE(refused) << linked;
+    EXPECT_EQ(refused.error().code, std::errc::permission_denied);
+    EXPECT_FALSE(scopes().startAccessingSecurityScopedResource(url(linked))) << linked;
+  }
+  world_->discardItem("grant");
+  world_->renameItem("away", "grant");
+  EXPECT_TRUE(scopes().bookmarkDataForURL(url("grant")));
+  EXPECT_TRUE(scopes().startAccessingSecurityScopedResource(url("grant")));
+}
+
 TEST_P(SecurityScopeContract, ResolvesStaleWhenAnotherFolderStandsThere) {
   const auto bookmark = bookmarkOf("grant");
   world_->renameItem("grant", "away");

@@ -13,6 +13,9 @@
 
 #include "foundation/PathString.h"
 #include "platform/linux/DisplayText.h"
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/SymlinkResolution.h"
+#include "platform/linux/SystemErrors.h"
 
 namespace tavrin {
 
@@ -20,19 +23,39 @@ FolderListModel::FolderListModel(PanelRules rules, HiddenFiles hiddenFiles, QObj
     : QAbstractTableModel(parent), rules_(rules), hiddenFiles_(hiddenFiles) {}
 
 Status FolderListModel::setFolder(const std::string& path, const std::string& nameToShow) {
-  Result<FolderListing> listing = listFolder(path, hiddenFiles_);
+  const auto opened = open(path);
+  auto listing = opened ? listFolder(opened.value()->item(), path, hiddenFiles_)
+                        : Result<std::vector<FolderEntry>>(opened.error());
   beginResetModel();
   folder_ = FileURL::fileURLWithPath(path);
   rows_.clear();
-  openFolder_.reset();
+  openFolder_ = opened && opened.value()->isFolder() ? opened.value() : nullptr;
+  Status listed = listing ? success() : Status(listing.error());
   if (listing) {
-    openFolder_ = std::move(listing.value().folder);
-    if (!nameToShow.empty()) addHiddenName(listing.value().entries, nameToShow);
-    rows_ = sortedRows(std::move(listing.value().entries));
+    if (!nameToShow.empty()) addHiddenName(listing.value(), nameToShow);
+    rows_ = sortedRows(std::move(listing).value());
   }
   endResetModel();
-  if (!listing) return listing.error();
-  return success();
+  return listed;
+}
+
+Result<std::shared_ptr<const ScopeGrant>> FolderListModel::open(const std::string& path) const {
+  return ScopeGrant::open(rules_.namesRealPaths() ? path : pathByResolvingSymlinks(path));
+}
+
+Result<std::shared_ptr<const ScopeGrant>> FolderListModel::take(const FileURL& url) const {
+  auto item = open(url.path());
+  if (item && !isAsShown(url, item.value()->identity())) {
+    return systemError("pick", url.path(), std::errc::no_such_file_or_directory);
+  }
+  return item;
+}
+
+bool FolderListModel::isAsShown(const FileURL& url, const FileIdentity& identity) const {
+  if (url == folder_) return openFolder_ && openFolder_->identity() == identity;
+  if (!(url.deletingLastPathComponent() == folder_)) return true;
+  const std::optional<int> row = rowOfName(url.lastPathComponent());
+  return !row || detailsOf(rowAt(*row)).identity == identity;
 }
 
 void FolderListModel::addHiddenName(std::vector<FolderEntry>& entries,
@@ -40,7 +63,7 @@ void FolderListModel::addHiddenName(std::vector<FolderEntry>& entries,
   const auto sameName = [&name](const FolderEntry& entry) { return entry.name == name; };
   if (std::any_of(entries.begin(), entries.end(), sameName)) return;
   struct stat status {};
-  if (::fstatat(openFolder_.get(), name.c_str(), &status, 0) != 0) return;
+  if (::fstatat(openFolder_->item(), name.c_str(), &status, 0) != 0) return;
   entries.push_back({name, S_ISDIR(status.st_mode)});
 }
 
@@ -134,14 +157,25 @@ Qt::ItemFlags FolderListModel::flags(const QModelIndex& index) const {
 
 const FolderListModel::Details& FolderListModel::detailsOf(const Row& row) const {
   Row& stored = rows_[static_cast<std::size_t>(&row - rows_.data())];
-  if (stored.details) return *stored.details;
+  if (!stored.details) stored.details = readDetails(row.entry.name);
+  return *stored.details;
+}
+
+FolderListModel::Details FolderListModel::readDetails(const std::string& name) const {
   Details details;
-  struct stat status {};
-  if (::fstatat(openFolder_.get(), row.entry.name.c_str(), &status, 0) == 0 ||
-      ::fstatat(openFolder_.get(), row.entry.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0) {
-    details = {status.st_size, status.st_mtime, true};
+  FileDescriptor item(::openat(openFolder_->item(), name.c_str(), O_PATH | O_CLOEXEC));
+  if (const auto identity = identityAt(item.get(), ""); item && identity) {
+    details.identity = identity.value();
+  } else {
+    item = FileDescriptor(
+        ::openat(openFolder_->item(), name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
   }
-  return stored.details.emplace(details);
+  struct stat status {};
+  if (!item || ::fstat(item.get(), &status) != 0) return details;
+  details.size = status.st_size;
+  details.modifiedSeconds = status.st_mtime;
+  details.known = true;
+  return details;
 }
 
 QString FolderListModel::textOf(const Row& row, int column) const {

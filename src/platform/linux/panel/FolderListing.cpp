@@ -13,6 +13,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "platform/linux/FileDescriptor.h"
+
 namespace tavrin {
 
 namespace {
@@ -66,26 +68,24 @@ bool isSelfOrParent(std::string_view name) {
 
 }  // namespace
 
-Result<FolderListing> listFolder(const std::string& path, HiddenFiles hiddenFiles) {
-  FileDescriptor folder(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!folder) return lastError("open folder", path);
-  FileDescriptor reader(::openat(folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+Result<std::vector<FolderEntry>> listFolder(int folder, const std::string& path,
+                                            HiddenFiles hiddenFiles) {
+  FileDescriptor reader(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   const Directory directory(reader ? ::fdopendir(reader.get()) : nullptr);
   if (!directory) return lastError("read folder", path);
   reader.release();
 
   const bool leaveOut = hiddenFiles == HiddenFiles::LeaveOut;
-  const auto hidden = leaveOut ? hiddenNames(folder.get()) : std::unordered_set<std::string>();
-  FolderListing listing;
+  const auto hidden = leaveOut ? hiddenNames(folder) : std::unordered_set<std::string>();
+  std::vector<FolderEntry> entries;
   // The directory is this call's own, so no other thread reads it.
   while (const dirent* item = ::readdir(directory.get())) {  // NOLINT(concurrency-mt-unsafe)
     std::string name = item->d_name;
     if (isSelfOrParent(name)) continue;
     if (leaveOut && (name.front() == '.' || hidden.count(name) > 0)) continue;
-    listing.entries.push_back({std::move(name), isFolder(folder.get(), *item)});
+    entries.push_back({std::move(name), isFolder(folder, *item)});
   }
-  listing.folder = std::move(folder);
-  return listing;
+  return entries;
 }
 
 }  // namespace tavrin

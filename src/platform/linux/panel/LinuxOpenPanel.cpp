@@ -62,9 +62,9 @@ void LinuxOpenPanel::beginSheetModalForWindow(Window* window,
 
 OpenPanel::Response LinuxOpenPanel::takeResult(const OpenPanelDialog& dialog) {
   if (dialog.result() != QDialog::Accepted) return Response::Cancel;
-  urls_ = dialog.picked();
-  for (const FileURL& url : urls_) {
-    if (grantPicked_) grantPicked_(url);
+  for (const PickedItem& picked : dialog.picked()) {
+    if (grantPicked_) grantPicked_(picked.item);
+    urls_.push_back(picked.url);
   }
   return Response::OK;
 }

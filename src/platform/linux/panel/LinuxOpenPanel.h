@@ -10,7 +10,7 @@
 namespace tavrin {
 
 /// Called with each item that the user has picked, before the panel's caller learns of it.
-using GrantPicked = std::function<void(const FileURL& url)>;
+using GrantPicked = std::function<void(const std::shared_ptr<const ScopeGrant>& item)>;
 
 /// The access panel and the folder chooser. It makes no folders and shows names in full, so that
 /// setCanCreateDirectories and setExtensionHidden change nothing.

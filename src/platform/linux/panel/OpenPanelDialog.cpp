@@ -85,7 +85,11 @@ void OpenPanelDialog::showStart() {
     return;
   }
   enterFolder(start.deletingLastPathComponent(), start.lastPathComponent());
-  const std::optional<int> row = model_->rowOfName(start.lastPathComponent());
+  selectName(start.lastPathComponent());
+}
+
+void OpenPanelDialog::selectName(const std::string& name) {
+  const std::optional<int> row = model_->rowOfName(name);
   if (!row) return;
   const QModelIndex index = model_->index(*row, FolderListModel::NameColumn);
   if (index.flags().testFlag(Qt::ItemIsSelectable)) fileList_->setCurrentIndex(index);
@@ -132,10 +136,32 @@ void OpenPanelDialog::openPlace(int row) {
 }
 
 void OpenPanelDialog::confirm() {
-  std::vector<FileURL> urls = candidates();
+  const std::vector<FileURL> urls = candidates();
   if (urls.empty()) return;
-  picked_ = std::move(urls);
+  std::vector<PickedItem> picked;
+  for (const FileURL& url : urls) {
+    const auto item = model_->take(url);
+    if (!item) return refuse(url);
+    picked.push_back({url, item.value()});
+  }
+  picked_ = std::move(picked);
   accept();
+}
+
+void OpenPanelDialog::refuse(const FileURL& url) {
+  const bool wasTyped = locationIsTyped_;
+  const QString typed = locationEdit_->text();
+  const bool isRow = !(url == model_->folder());
+  enterFolder(model_->folder(), isRow ? url.lastPathComponent() : std::string());
+  if (wasTyped) {
+    locationEdit_->setText(typed);
+    locationEdited();
+  } else if (isRow) {
+    // Return must not pick the whole folder in its stead.
+    selectName(url.lastPathComponent());
+  }
+  problemLabel_->setText(QCoreApplication::translate(
+      "Tavrin", "This item cannot be opened, or has been replaced since it was shown."));
 }
 
 void OpenPanelDialog::locationReturnPressed() {

@@ -2,11 +2,13 @@
 
 #include <QDialog>
 #include <QString>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "foundation/FileURL.h"
+#include "platform/linux/ScopeGrant.h"
 #include "platform/linux/panel/FolderListModel.h"
 #include "platform/linux/panel/PanelRules.h"
 
@@ -34,8 +36,15 @@ struct PanelOptions {
   std::optional<FileURL> directory;
 };
 
+/// An item that was picked in a panel.
+struct PickedItem {
+  FileURL url;
+  /// The item itself, as the panel has shown it.
+  std::shared_ptr<const ScopeGrant> item;
+};
+
 /// The window of a panel. It ends accepted with something picked that the rules allow, or rejected
-/// with nothing.
+/// with nothing. What was replaced while the panel showed it is not picked: the list is read anew.
 ///
 /// Keys: Return goes into the selected folder, picks the selected file, and with nothing selected
 /// picks the folder shown; Alt+Up goes to the parent; "/" and "~" begin a typed path; Escape
@@ -45,7 +54,7 @@ class OpenPanelDialog final : public QDialog {
   OpenPanelDialog(const PanelOptions& options, QWidget* parent);
 
   /// What was picked, once the dialog is accepted.
-  const std::vector<FileURL>& picked() const { return picked_; }
+  const std::vector<PickedItem>& picked() const { return picked_; }
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -64,7 +73,9 @@ class OpenPanelDialog final : public QDialog {
   void enterFolder(const FileURL& folder, const std::string& nameToShow = std::string());
   void openRow(int row);
   void openPlace(int row);
+  void selectName(const std::string& name);
   void confirm();
+  void refuse(const FileURL& url);
   void locationReturnPressed();
   void selectionChanged();
   void locationEdited();
@@ -77,7 +88,7 @@ class OpenPanelDialog final : public QDialog {
   QString problemOfTypedPath() const;
 
   PanelOptions options_;
-  std::vector<FileURL> picked_;
+  std::vector<PickedItem> picked_;
   /// The location shows what the user typed, and not what the list selects.
   bool locationIsTyped_ = false;
   FolderListModel* model_;

@@ -12,6 +12,10 @@ struct PanelRules {
   /// nullptr refuses nothing.
   const OpenSavePanelDelegate* delegate = nullptr;
 
+  /// Whether the delegate judges items by where they really are, so that a path with a symbolic
+  /// link in it stands for none.
+  bool namesRealPaths() const { return delegate != nullptr; }
+
   /// Whether the item's row can be selected, and, for a folder, whether the panel goes into it.
   bool isEnabled(const FileURL& url, bool isFolder) const {
     return (isFolder || canChooseFiles) &&

@@ -90,7 +90,7 @@ class OpenPanelTest : public testing::Test {
 
   std::vector<std::string> picked() const {
     std::vector<std::string> paths;
-    for (const FileURL& url : dialog_->picked()) paths.push_back(url.path());
+    for (const PickedItem& item : dialog_->picked()) paths.push_back(item.url.path());
     return paths;
   }
   bool isOpen() const { return dialog_->isVisible(); }
@@ -229,6 +229,77 @@ TEST_F(OpenPanelTest, aLinkIsJudgedByItsOwnPath) {
   EXPECT_FALSE(promptButton().isEnabled());
 }
 
+TEST_F(OpenPanelTest, picksNothingThatWasReplacedWhileItWasShown) {
+  allowOnly("wanted");
+  options_.directory = FileURL::fileURLWithPath(folder_ / "wanted");
+  const auto replaceByLink = [&] {
+    ASSERT_EQ(::rename((folder_ / "wanted").c_str(), (folder_ / "moved").c_str()), 0);
+    ASSERT_EQ(::symlink("other", (folder_ / "wanted").c_str()), 0);
+  };
+  const auto putBack = [&] {
+    ASSERT_EQ(::unlink((folder_ / "wanted").c_str()), 0);
+    ASSERT_EQ(::rename((folder_ / "moved").c_str(), (folder_ / "wanted").c_str()), 0);
+  };
+  showPanel();
+  replaceByLink();
+  for (int repeat = 0; repeat < 2; ++repeat) {
+    press(Qt::Key_Return);
+    EXPECT_TRUE(isOpen());
+    EXPECT_THAT(picked(), IsEmpty());
+    EXPECT_FALSE(child<QLabel>("problemText").text().isEmpty());
+  }
+  putBack();
+  press(Qt::Key_Return);
+  EXPECT_TRUE(isOpen()) << "not shown again yet";
+  press(Qt::Key_Return);
+  EXPECT_THAT(picked(), ElementsAre(folder_ / "wanted"));
+
+  options_.directory = FileURL::fileURLWithPath(folder_.path());
+  showPanel();
+  click("wanted");
+  replaceByLink();
+  QTest::mouseClick(&promptButton(), Qt::LeftButton);
+  EXPECT_TRUE(isOpen());
+  type(folder_ / "wanted");
+  QTest::mouseClick(&promptButton(), Qt::LeftButton);
+  EXPECT_TRUE(isOpen());
+  EXPECT_EQ(location(), folder_ / "wanted");
+  putBack();
+}
+
+TEST_F(OpenPanelTest, aReplacedFileIsPickedOnceItIsShown) {
+  showPanel();
+  click("file");
+  QTest::qWait(50);
+  test::writeFile(folder_ / "new", "another");
+  ASSERT_EQ(::rename((folder_ / "new").c_str(), (folder_ / "file").c_str()), 0);
+  press(Qt::Key_Return);
+  EXPECT_TRUE(isOpen());
+  EXPECT_EQ(location(), folder_ / "file");
+  press(Qt::Key_Return);
+  EXPECT_THAT(picked(), ElementsAre(folder_ / "file"));
+}
+
+TEST_F(OpenPanelTest, theChooserTakesWhereALinkLedWhenItWasShown) {
+  ASSERT_EQ(::symlink("wanted", (folder_ / "link").c_str()), 0);
+  showPanel();
+  doubleClick("link");
+  EXPECT_EQ(shownFolder(), folder_ / "link");
+  click("inner");
+  QTest::mouseClick(&promptButton(), Qt::LeftButton);
+  EXPECT_THAT(picked(), ElementsAre(folder_ / "link/inner"));
+  EXPECT_EQ(dialog_->picked().at(0).item->path(), folder_ / "wanted/inner");
+
+  options_.directory = FileURL::fileURLWithPath(folder_ / "link");
+  showPanel();
+  ASSERT_EQ(::unlink((folder_ / "link").c_str()), 0);
+  ASSERT_EQ(::symlink("other", (folder_ / "link").c_str()), 0);
+  press(Qt::Key_Return);
+  EXPECT_TRUE(isOpen());
+  press(Qt::Key_Return);
+  EXPECT_EQ(dialog_->picked().at(0).item->path(), folder_ / "other");
+}
+
 TEST_F(OpenPanelTest, theWayUpPicksTheParentAndStopsAtTheRoot) {
   allowOnly("wanted/inner/deep");
   options_.directory = FileURL::fileURLWithPath(folder_ / "wanted/inner/deep");
@@ -326,7 +397,7 @@ void pressInPanel(Qt::Key key) {
 
 TEST_F(OpenPanelTest, runModalGrantsWhatIsPickedBeforeItReturns) {
   std::vector<std::string> granted;
-  LinuxPanelProvider provider([&](const FileURL& url) { granted.push_back(url.path()); });
+  LinuxPanelProvider provider([&](const auto& item) { granted.push_back(item->path()); });
   const auto panel = provider.openPanel();
   panel->setCanChooseDirectories(true);
   panel->setDirectoryURL(*options_.directory);
@@ -343,7 +414,7 @@ TEST_F(OpenPanelTest, runModalGrantsWhatIsPickedBeforeItReturns) {
 
 TEST_F(OpenPanelTest, beginReturnsAtOnceAndCompletesOnceAndLetsGo) {
   std::vector<std::string> order;
-  LinuxPanelProvider provider([&](const FileURL&) { order.emplace_back("granted"); });
+  LinuxPanelProvider provider([&](const auto&) { order.emplace_back("granted"); });
   auto panel = provider.openPanel();
   panel->setCanChooseDirectories(true);
   panel->setDirectoryURL(*options_.directory);

@@ -32,6 +32,7 @@ void LinuxOpenPanel::setAccessoryText(const std::string& text) {
 
 OpenPanel::Response LinuxOpenPanel::runModal() {
   urls_.clear();
+  if (!mayAskTheUser()) return Response::Cancel;
   OpenPanelDialog dialog(options_, nullptr);
   dialog.setWindowModality(Qt::ApplicationModal);
   QObject::connect(qApp, &QCoreApplication::aboutToQuit, &dialog, &QDialog::reject);
@@ -43,6 +44,7 @@ OpenPanel::Response LinuxOpenPanel::runModal() {
 void LinuxOpenPanel::beginSheetModalForWindow(Window* window,
                                               std::function<void(Response)> completion) {
   urls_.clear();
+  if (!mayAskTheUser()) return completion(Response::Cancel);
   auto* dialog = new OpenPanelDialog(options_, widgetOfWindow(window));
   dialog->setAttribute(Qt::WA_DeleteOnClose);
   if (window != nullptr) dialog->setWindowModality(Qt::WindowModal);

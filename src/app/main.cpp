@@ -17,6 +17,7 @@
 #include "platform/linux/Identity.h"
 #include "platform/linux/LinuxLog.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/TerminationSignals.h"
 #include "settings/DefaultSettings.h"
 #include "settings/Seeding.h"
 #include "settings/window/QtPreferencesWindow.h"
@@ -73,7 +74,8 @@ void seedStores(Platform& platform, const DefaultSettings& defaultSettings) {
   seedSettings(defaultSettings, *standard, *sharedSuite);
 }
 
-int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake, Log& log) {
+int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
+            TerminationSignals& signalsToEnd, Log& log) {
   QCoreApplication::setApplicationName(QString::fromUtf8(identity::displayName));
   QCoreApplication::setApplicationVersion(QString::fromUtf8(identity::version));
   QCoreApplication::setOrganizationName(QString::fromUtf8(identity::applicationId));
@@ -82,13 +84,14 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake, Lo
   char* arguments[] = {programName, nullptr};
   const QApplication application(argumentCount, arguments);
 
-  LinuxPlatform linuxPlatform(accepted, intake, log);
+  LinuxPlatform linuxPlatform(accepted, intake, signalsToEnd, log);
   Platform& platform = linuxPlatform.services();
   const auto defaultSettings =
       DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);
   const auto seed = [&] { seedStores(platform, defaultSettings); };
   seed();
   linuxPlatform.setSettingsLost(seed);
+  linuxPlatform.clearLeftoversSoon();
 
   AppDelegate delegate(platform, defaultSettings, [&platform] {
     ensureApplicationIcon();
@@ -117,8 +120,10 @@ int start(int argumentCount, char** arguments) {
     log.write(*problem);
     return EXIT_FAILURE;
   }
+  // Before the first request is accepted: from then on a signal must not end the process at once.
+  TerminationSignals signalsToEnd;
   intake.serve();
-  return runHost(arguments[0], accepted, intake, log);
+  return runHost(arguments[0], accepted, intake, signalsToEnd, log);
 }
 
 }  // namespace

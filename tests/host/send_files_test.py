@@ -7,7 +7,8 @@ import subprocess
 import tempfile
 from pathlib import Path
 
-from session import (ACCESS_PANEL, OPEN_PANEL, HostTest, file_url, main, selection, wait_until)
+from session import (ACCESS_PANEL, APPLICATION_ID, OPEN_PANEL, HostTest, file_url, main, selection,
+                     wait_until)
 
 DONE = "Volume Mount"
 FAILED = "Funk"
@@ -35,6 +36,32 @@ class SendFiles(HostTest):
                                "--delete", f"{source}/", f"{copy}/"], stdout=subprocess.PIPE,
                               stderr=subprocess.STDOUT, check=False)
         self.assertEqual((done.returncode, done.stdout.decode()), (0, ""))
+
+
+class Killed(SendFiles):
+    def test_the_next_start_clears_what_a_killed_copy_left(self):
+        self.grant_all()
+        source = self.make_folder("many")
+        for number in range(4000):
+            (source / f"{number}.txt").write_text(str(number))
+
+        def partials():
+            return [item for item in self.there.iterdir() if item.name.startswith(".tavrin-")]
+
+        self.session.copy_files([source], self.there)
+        wait_until(partials, "the copy to begin")
+        self.host.kill()
+        self.host.wait()
+        self.session.hosts.remove(self.host)
+        self.assertEqual(len(list(source.iterdir())), 4000)
+        self.assertTrue(partials(), "the copy was over before the kill")
+        self.assertFalse((self.there / "many").exists())
+
+        self.session.start_waiting_host()
+        wait_until(lambda: not partials(), "the leftovers to go")
+        records = self.session.data / APPLICATION_ID / "partials"
+        wait_until(lambda: not list(records.iterdir()), "the records to go")
+        self.assertEqual(len(list(source.iterdir())), 4000)
 
 
 class ConfiguredDestination(SendFiles):

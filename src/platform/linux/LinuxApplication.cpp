@@ -12,7 +12,6 @@
 
 #include "platform/linux/ProgramLauncher.h"
 #include "platform/linux/QtWindows.h"
-#include "platform/linux/TerminationSignals.h"
 
 namespace tavrin {
 
@@ -32,8 +31,9 @@ bool hasVisibleWindows() {
 
 }  // namespace
 
-LinuxApplication::LinuxApplication(AcceptedRequests& accepted, BusIntake& intake, Log& log)
-    : accepted_(accepted), intake_(intake), log_(log) {}
+LinuxApplication::LinuxApplication(AcceptedRequests& accepted, BusIntake& intake,
+                                   TerminationSignals& signalsToEnd, Log& log)
+    : accepted_(accepted), intake_(intake), signalsToEnd_(signalsToEnd), log_(log) {}
 
 void LinuxApplication::setDelegate(ApplicationDelegate* delegate) {
   delegate_ = delegate;
@@ -43,10 +43,9 @@ int LinuxApplication::run() {
   QGuiApplication::setQuitOnLastWindowClosed(
       delegate_->applicationShouldTerminateAfterLastWindowClosed());
 
-  TerminationSignals signalsToEnd;
-  QSocketNotifier signalNotifier(signalsToEnd.descriptor(), QSocketNotifier::Read);
+  QSocketNotifier signalNotifier(signalsToEnd_.descriptor(), QSocketNotifier::Read);
   QObject::connect(&signalNotifier, &QSocketNotifier::activated, [&] {
-    signalsToEnd.acknowledge();
+    signalsToEnd_.acknowledge();
     endedBySignal_ = true;
     terminate();
   });

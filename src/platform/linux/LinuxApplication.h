@@ -4,6 +4,7 @@
 #include "platform/Log.h"
 #include "platform/linux/AcceptedRequests.h"
 #include "platform/linux/BusIntake.h"
+#include "platform/linux/TerminationSignals.h"
 
 namespace tavrin {
 
@@ -11,8 +12,9 @@ namespace tavrin {
 /// ask of it to the delegate. A QApplication lives around `run`.
 class LinuxApplication final : public Application {
  public:
-  /// All three outlive the application.
-  LinuxApplication(AcceptedRequests& accepted, BusIntake& intake, Log& log);
+  /// All four outlive the application.
+  LinuxApplication(AcceptedRequests& accepted, BusIntake& intake, TerminationSignals& signalsToEnd,
+                   Log& log);
 
   void setDelegate(ApplicationDelegate* delegate) override;
   ApplicationDelegate* delegate() const override { return delegate_; }
@@ -35,6 +37,7 @@ class LinuxApplication final : public Application {
 
   AcceptedRequests& accepted_;
   BusIntake& intake_;
+  TerminationSignals& signalsToEnd_;
   Log& log_;
   ApplicationDelegate* delegate_ = nullptr;
   bool terminating_ = false;

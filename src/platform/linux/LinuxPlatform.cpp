@@ -24,8 +24,15 @@
 
 namespace tavrin {
 
+namespace {
+
+constexpr double secondsOfTheStart = 1;
+
+}  // namespace
+
 struct LinuxPlatform::Services {
-  Services(AcceptedRequests& accepted, BusIntake& intake, Log& systemLog);
+  Services(AcceptedRequests& accepted, BusIntake& intake, TerminationSignals& signalsToEnd,
+           Log& systemLog);
 
   void appearanceChanged(bool isDark);
   void settingsChanged();
@@ -55,7 +62,8 @@ struct LinuxPlatform::Services {
   Platform platform;
 };
 
-LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake, Log& systemLog)
+LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
+                                  TerminationSignals& signalsToEnd, Log& systemLog)
     : log(systemLog),
       userDefaults(log),
       securityScope(LinuxSecurityScope::standardLocations(bundle.resourcePath()), log),
@@ -67,7 +75,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       launchServices(bundle, propertyLists, log),
       loginItems(log),
       distributedNotifications(intake.connection(), log),
-      application(accepted, intake, log),
+      application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
       appearance([this](bool isDark) { appearanceChanged(isDark); }),
       settingsNotifier(userDefaults.changeDescriptor(), QSocketNotifier::Read),
@@ -103,10 +111,18 @@ void LinuxPlatform::Services::settingsChanged() {
   if (userDefaults.takeStartedAfresh() && settingsLost) settingsLost();
 }
 
-LinuxPlatform::LinuxPlatform(AcceptedRequests& accepted, BusIntake& intake, Log& log)
-    : services_(std::make_unique<Services>(accepted, intake, log)) {}
+LinuxPlatform::LinuxPlatform(AcceptedRequests& accepted, BusIntake& intake,
+                             TerminationSignals& signalsToEnd, Log& log)
+    : services_(std::make_unique<Services>(accepted, intake, signalsToEnd, log)) {}
 
 LinuxPlatform::~LinuxPlatform() = default;
+
+void LinuxPlatform::clearLeftoversSoon() {
+  Services& services = *services_;
+  services.mainLoop.performAfterDelay(secondsOfTheStart, [&services] {
+    services.mainLoop.runInBackground([&services] { services.fileManager.clearLeftovers(); });
+  });
+}
 
 Platform& LinuxPlatform::services() {
   return services_->platform;

@@ -7,6 +7,7 @@
 #include "platform/Platform.h"
 #include "platform/linux/AcceptedRequests.h"
 #include "platform/linux/BusIntake.h"
+#include "platform/linux/TerminationSignals.h"
 
 namespace tavrin {
 
@@ -14,13 +15,18 @@ namespace tavrin {
 /// needs: no window, no tray, no sound device, no icon theme. A QApplication lives around it.
 class LinuxPlatform {
  public:
-  /// All three outlive the platform.
-  LinuxPlatform(AcceptedRequests& accepted, BusIntake& intake, Log& log);
+  /// All four outlive the platform.
+  LinuxPlatform(AcceptedRequests& accepted, BusIntake& intake, TerminationSignals& signalsToEnd,
+                Log& log);
   ~LinuxPlatform();
   LinuxPlatform(const LinuxPlatform&) = delete;
   LinuxPlatform& operator=(const LinuxPlatform&) = delete;
 
   Platform& services();
+
+  /// Removes, once the start is over and on a thread of its own, what copies have left half done
+  /// because their process was killed.
+  void clearLeftoversSoon();
 
   /// Calls `reset` when a damaged store had to be replaced by an empty one.
   void setSettingsLost(std::function<void()> reset);

@@ -213,7 +213,7 @@ TEST_F(DefaultsDamage, ALockThatIsNeverReleasedCostsSecondsAndOneLineEach) {
     ASSERT_TRUE(holder.waitDone());
     holder.stop();
     // In another process, since without a bound it would never end.
-    const OtherProcess writer([this] {
+    const OtherProcess writer([] {
       const auto started = steady_clock::now();
       FakeLog log;
       LinuxUserDefaultsProvider inner(log);

@@ -49,7 +49,7 @@ TEST(FileURL, WritesEveryPathSoThatItReadsBack) {
 TEST(FileURL, TakesAPathAsItStands) {
   EXPECT_EQ(FileURL::fileURLWithPath("/tmp/a%20b/").path(), "/tmp/a%20b");
   EXPECT_EQ(FileURL::fileURLWithPath("file:///tmp").path(), "/file:///tmp");
-  EXPECT_EQ(FileURL::fileURLWithPath("a", "/work").path(), "/work/a");
+  EXPECT_EQ(FileURL::fileURLWithPath("a", "/folder").path(), "/folder/a");
   EXPECT_EQ(FileURL::fileURLWithPath("").path(), "/");
 }
 

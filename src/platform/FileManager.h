@@ -19,8 +19,8 @@ namespace tavrin {
 /// symbolic link. What the operation then touches lies below the scope's folder, whatever another
 /// process swaps meanwhile.
 ///
-/// Nothing is ever replaced: an operation whose target name is taken fails with file_exists and
-/// leaves it as it was. An operation that fails leaves no part of its result behind. When the
+/// Nothing is ever replaced unless the caller says so: an operation whose target name is taken fails
+/// with file_exists and leaves it as it was. An operation that fails leaves no part of its result behind. When the
 /// process is killed in the middle, every item stands whole under its old name, its new one, or
 /// both.
 class FileManager {
@@ -46,8 +46,15 @@ class FileManager {
   /// a covered place). Anything else than a regular file fails without blocking.
   virtual Result<PropertyList::Data> contentsAtPath(const std::string& path) const = 0;
 
-  /// Creates a regular file with the given bytes. The name appears when the file is whole.
-  virtual Status createFileAtPath(const std::string& path, const PropertyList::Data& contents) = 0;
+  /// What becomes of an item that has the name already.
+  enum class Replace { No, Yes };
+  /// Creates a regular file with the given bytes. The name appears when the file is whole. With
+  /// `Replace::Yes` the file takes the place of one that has the name: in one step, once its bytes
+  /// are durable, so that the name always stands for the old file or the new one, whole. A symbolic
+  /// link is replaced itself; a folder is never replaced (is_a_directory). A place that the user
+  /// picked for a file (see SecurityScope) is covered too.
+  virtual Status createFileAtPath(const std::string& path, const PropertyList::Data& contents,
+                                  Replace replace) = 0;
 
   enum class IntermediateDirectories { No, Create };
   /// Creates a folder. With `Create`, missing parents are created too and a folder that is there

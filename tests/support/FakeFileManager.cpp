@@ -114,7 +114,7 @@ Result<FakeFileManager::Place> FakeFileManager::place(const std::string& operati
                                                       Access access) const {
   if (!namesAnItem(path)) return failure(operation, path, std::errc::invalid_argument);
   if (path == "/") {
-    if (access == Access::Change) return failure(operation, path, std::errc::invalid_argument);
+    if (access != Access::Read) return failure(operation, path, std::errc::invalid_argument);
     if (!isCovered("/", access)) return failure(operation, path, std::errc::permission_denied);
     return Place{"/", nullptr, "", root_};
   }
@@ -133,8 +133,9 @@ Result<FakeFileManager::Place> FakeFileManager::place(const std::string& operati
 }
 
 Result<FakeFileManager::Place> FakeFileManager::freePlace(const std::string& operation,
-                                                          const std::string& path) const {
-  auto found = place(operation, path, Access::Change);
+                                                          const std::string& path,
+                                                          Access access) const {
+  auto found = place(operation, path, access);
   if (found && found.value().item) return failure(operation, path, std::errc::file_exists);
   return found;
 }
@@ -142,6 +143,7 @@ Result<FakeFileManager::Place> FakeFileManager::freePlace(const std::string& ope
 bool FakeFileManager::isCovered(const std::string& realPath, Access access) const {
   if (!covers_ || isPathAtOrBelow(realPath, containersFolder)) return true;
   const bool isResource = !resourceFolder_.empty() && isPathAtOrBelow(realPath, resourceFolder_);
+  if (access == Access::Create && isPickedPlace_ && isPickedPlace_(realPath)) return true;
   return (access == Access::Read && isResource) || covers_(realPath);
 }
 
@@ -217,10 +219,15 @@ Result<PropertyList::Data> FakeFileManager::contentsAtPath(const std::string& pa
 }
 
 Status FakeFileManager::createFileAtPath(const std::string& path,
-                                         const PropertyList::Data& contents) {
+                                         const PropertyList::Data& contents, Replace replace) {
   if (const auto injected = fault("create", path)) return *injected;
-  const auto found = freePlace("create", path);
+  const auto found = replace == Replace::Yes ? place("create", path, Access::Create)
+                                             : freePlace("create", path, Access::Create);
   if (!found) return found.error();
+  const auto& replaced = found.value().item;
+  if (replaced && replaced->kind == Item::Kind::Folder) {
+    return failure("create", path, std::errc::is_a_directory);
+  }
   auto file = makeItem();
   file->text.assign(contents.begin(), contents.end());
   found.value().parent->children[found.value().name] = std::move(file);
@@ -429,6 +436,10 @@ std::optional<SystemError> FakeFileManager::fault(const std::string& operation,
 
 void FakeFileManager::enforceScopes(Coverage covers) {
   covers_ = std::move(covers);
+}
+
+void FakeFileManager::allowCreation(Coverage isPickedPlace) {
+  isPickedPlace_ = std::move(isPickedPlace);
 }
 
 void FakeFileManager::setResourceFolder(const std::string& path) {

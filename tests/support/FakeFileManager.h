@@ -27,7 +27,8 @@ class FakeFileManager final : public FileManager {
   Result<std::vector<std::string>> contentsOfDirectoryAtPath(
       const std::string& path) const override;
   Result<PropertyList::Data> contentsAtPath(const std::string& path) const override;
-  Status createFileAtPath(const std::string& path, const PropertyList::Data& contents) override;
+  Status createFileAtPath(const std::string& path, const PropertyList::Data& contents,
+                          Replace replace) override;
   Status createDirectoryAtPath(const std::string& path,
                                IntermediateDirectories intermediates) override;
   Status copyItemAtPath(const std::string& source, const std::string& destination) override;
@@ -73,13 +74,15 @@ class FakeFileManager final : public FileManager {
   using Coverage = std::function<bool(const std::string& realPath)>;
   /// From now on operations need `covers`, the containers and the resources excepted.
   void enforceScopes(Coverage covers);
+  /// Places that a file may be created at, besides those that are covered.
+  void allowCreation(Coverage isPickedPlace);
   /// A folder that may be read without a scope, as the resources of the program's bundle.
   void setResourceFolder(const std::string& path);
 
  private:
   struct Item;
   struct Place;
-  enum class Access { Read, Change };
+  enum class Access { Read, Change, Create };
 
   static std::shared_ptr<Item> folderCopy(const Item& item, std::uint64_t& lastIdentity);
   static void collectPaths(const Item& folder, const std::string& path,
@@ -88,7 +91,8 @@ class FakeFileManager final : public FileManager {
   std::shared_ptr<Item> makeItem() const;
   Result<std::pair<std::string, std::shared_ptr<Item>>> follow(const std::string& path) const;
   Result<Place> place(const std::string& operation, const std::string& path, Access access) const;
-  Result<Place> freePlace(const std::string& operation, const std::string& path) const;
+  Result<Place> freePlace(const std::string& operation, const std::string& path,
+                          Access access = Access::Change) const;
   Status makeMissingFolders(const std::string& path);
   bool isCovered(const std::string& realPath, Access access) const;
   std::optional<SystemError> fault(const std::string& operation, const std::string& path,
@@ -99,6 +103,7 @@ class FakeFileManager final : public FileManager {
   mutable std::uint64_t lastIdentity_ = 0;
   std::shared_ptr<Item> root_;
   Coverage covers_;
+  Coverage isPickedPlace_;
   std::string resourceFolder_;
   mutable std::optional<std::errc> nextFault_;
   std::map<std::string, std::errc> faults_;

@@ -95,8 +95,21 @@ bool FakeSecurityScope::grantByPanel(const std::string& path) {
   return true;
 }
 
+void FakeSecurityScope::grantPlaceByPanel(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const std::string folder = fileManager_.resolvingSymlinksInPath(deletingLastPathComponent(path));
+  const auto present = fileManager_.identityOfItem(folder);
+  if (present) places_[appendingPathComponent(folder, lastPathComponent(path))] = *present;
+}
+
 void FakeSecurityScope::enforce() {
   fileManager_.enforceScopes([this](const std::string& realPath) { return covers(realPath); });
+  fileManager_.allowCreation([this](const std::string& realPath) {
+    const std::lock_guard lock(mutex_);
+    const auto place = places_.find(realPath);
+    return place != places_.end() &&
+           fileManager_.identityOfItem(deletingLastPathComponent(realPath)) == place->second;
+  });
 }
 
 bool FakeSecurityScope::isStarted(const std::string& realPath) const {

@@ -26,6 +26,9 @@ class FakeSecurityScope final : public SecurityScope {
   /// item stands there.
   bool grantByPanel(const std::string& path);
 
+  /// What a save panel does when the user picks the name of a file, there or not.
+  void grantPlaceByPanel(const std::string& path);
+
   /// Makes the file manager refuse what no started scope covers.
   void enforce();
 
@@ -53,6 +56,8 @@ class FakeSecurityScope final : public SecurityScope {
   /// Real paths and the identities of the items that they were granted for.
   Grants granted_;
   Grants started_;
+  /// The real paths of picked places and the identities of their folders.
+  Grants places_;
   std::optional<std::errc> nextFault_;
 };
 

@@ -47,6 +47,18 @@ Status createUnderTemporaryName(const ItemReference& item, const PropertyList::D
   return written;
 }
 
+Status writeDurably(int descriptor, const PropertyList::Data& contents, const FolderEntry& entry) {
+  Status written = writeAll(descriptor, contents, entry);
+  if (written && ::fsync(descriptor) != 0) return entry.failure("sync", errno);
+  return written;
+}
+
+Status replaceBy(const std::string& name, const ItemReference& item) {
+  const int folder = item.parentDescriptor;
+  if (::renameat(folder, name.c_str(), folder, item.name.c_str()) == 0) return success();
+  return FolderEntry(item).failure("replace", errno);
+}
+
 Result<FileDescriptor> openForReading(const FolderEntry& entry) {
   FileDescriptor file(::openat(entry.folder(), entry.nameBytes(),
                                O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
@@ -70,6 +82,24 @@ Status createFile(const ItemReference& item, const PropertyList::Data& contents)
   if (Status written = writeAll(file.get(), contents, entry); !written) return written;
   const std::error_code cause = nameNamelessFile(file.get(), item.parentDescriptor, item.name);
   return cause ? Status(entry.failure("create", cause.value())) : success();
+}
+
+Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& contents,
+                           const PartialItems& partials) {
+  const FolderEntry entry(item);
+  Result<PartialItem> partial = partials.begin(item);
+  if (!partial) return partial.error();
+  const std::string& name = partial.value().name();
+  const FileDescriptor file(::openat(item.parentDescriptor, name.c_str(),
+                                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                                     rightsOfNewFiles));
+  if (!file) return entry.failure("create", errno);
+  Status done = writeDurably(file.get(), contents, entry);
+  if (done) done = replaceBy(name, item);
+  if (!done && ::unlinkat(item.parentDescriptor, name.c_str(), 0) != 0) {
+    partial.value().keepRecord();
+  }
+  return done;
 }
 
 Result<PropertyList::Data> readFile(const ItemReference& item, std::size_t largestSize) {

@@ -5,12 +5,20 @@
 #include "foundation/PropertyList.h"
 #include "foundation/Result.h"
 #include "platform/linux/ItemReference.h"
+#include "platform/linux/PartialItems.h"
 
 namespace tavrin {
 
 /// Creates a regular file with the given bytes and the rights the user gives new files. The name
 /// appears when the file is whole; a name that is taken is file_exists.
 Status createFile(const ItemReference& item, const PropertyList::Data& contents);
+
+/// Creates a file as createFile does, or puts it in the place of what has the name: by one rename,
+/// after its bytes are durable, so that a power cut leaves the old item or the new one. A link is
+/// replaced itself, a folder not (is_a_directory). A process that is killed in the middle leaves a
+/// partial item that `partials` knows of.
+Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& contents,
+                           const PartialItems& partials);
 
 /// The bytes of a regular file. A link is not followed (too_many_symbolic_link_levels); a folder is
 /// is_a_directory, any other kind invalid_argument, without blocking; more than `largestSize` bytes

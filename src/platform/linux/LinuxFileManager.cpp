@@ -106,10 +106,12 @@ Result<PropertyList::Data> LinuxFileManager::contentsAtPath(const std::string& p
 }
 
 Status LinuxFileManager::createFileAtPath(const std::string& path,
-                                          const PropertyList::Data& contents) {
-  const auto item = scopes_.locate(path, ScopeAccess::Change);
-  if (!item) return item.error();
-  return createFile(reference(item.value()), contents);
+                                          const PropertyList::Data& contents, Replace replace) {
+  const auto place = scopes_.locateForCreation(path);
+  if (!place) return place.error();
+  const ItemReference item = reference(place.value());
+  return replace == Replace::Yes ? createOrReplaceFile(item, contents, partialItems_)
+                                 : createFile(item, contents);
 }
 
 Status LinuxFileManager::createDirectoryAtPath(const std::string& path,

@@ -25,7 +25,8 @@ class LinuxFileManager final : public FileManager {
       const std::string& path) const override;
   /// A file of more than a gibibyte is file_too_large.
   Result<PropertyList::Data> contentsAtPath(const std::string& path) const override;
-  Status createFileAtPath(const std::string& path, const PropertyList::Data& contents) override;
+  Status createFileAtPath(const std::string& path, const PropertyList::Data& contents,
+                          Replace replace) override;
   Status createDirectoryAtPath(const std::string& path,
                                IntermediateDirectories intermediates) override;
   Status copyItemAtPath(const std::string& source, const std::string& destination) override;

@@ -40,6 +40,9 @@ class LinuxSecurityScope final : public SecurityScope {
   /// starts its scope.
   void grantByPicking(const std::shared_ptr<const ScopeGrant>& picked);
 
+  /// Grants the creation of a file at a place that the user has picked in a save panel.
+  void grantPlaceByPicking(const PickedPlace& place) { startedScopes_.startPlace(place); }
+
   /// What is covered now.
   const StartedScopes& startedScopes() const { return startedScopes_; }
 

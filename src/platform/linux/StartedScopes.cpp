@@ -58,6 +58,11 @@ void StartedScopes::start(const Grant& grant) {
   started_[grant->path()] = grant;
 }
 
+void StartedScopes::startPlace(const PickedPlace& place) {
+  const std::lock_guard lock(mutex_);
+  places_[appendingPathComponent(place.folder->path(), place.name)] = place.folder;
+}
+
 void StartedScopes::startBuiltIn(const std::string& folder, ScopeAccess access) {
   const std::lock_guard lock(mutex_);
   builtIns_.push_back({folder, access, nullptr});
@@ -118,6 +123,27 @@ Result<LocatedItem> StartedScopes::locate(const std::string& path, ScopeAccess a
   if (direct) return direct;
   const std::string realPath = pathInRealFolder(path);
   return realPath == path ? std::move(direct) : locateReal(realPath, access);
+}
+
+StartedScopes::Grant StartedScopes::folderOfPlace(const std::string& realPath) const {
+  Grant folder;
+  {
+    const std::lock_guard lock(mutex_);
+    const auto place = places_.find(realPath);
+    if (place != places_.end()) folder = place->second;
+  }
+  return folder && folder->standsAtItsPath() ? folder : nullptr;
+}
+
+Result<LocatedItem> StartedScopes::locateForCreation(const std::string& path) const {
+  auto located = locate(path, ScopeAccess::Change);
+  if (located || located.error().code != std::errc::permission_denied) return located;
+  const std::string realPath = pathInRealFolder(path);
+  const Grant folder = folderOfPlace(realPath);
+  if (!folder) return located;
+  auto parent = duplicate(folder->item(), path);
+  if (!parent) return parent.error();
+  return LocatedItem{realPath, std::move(parent).value(), lastPathComponent(path), std::nullopt};
 }
 
 Result<LocatedWay> StartedScopes::locateWay(const std::string& path) const {

@@ -37,6 +37,12 @@ struct LocatedWay {
   std::vector<std::string> names;
 };
 
+/// The place of one file, there or not, that the user picked by its name in a folder.
+struct PickedPlace {
+  std::shared_ptr<const ScopeGrant> folder;
+  std::string name;
+};
+
 /// The scopes that are open, and the items below them. A scope whose item no longer stands at its
 /// path covers nothing. Safe to call on any thread.
 class StartedScopes {
@@ -44,6 +50,9 @@ class StartedScopes {
   using Grant = std::shared_ptr<const ScopeGrant>;
 
   void start(const Grant& grant);
+
+  /// Covers the creation of a file at the place.
+  void startPlace(const PickedPlace& place);
 
   /// Covers a folder without a grant from now on, wherever it leads and whenever it is made.
   void startBuiltIn(const std::string& folder, ScopeAccess access);
@@ -54,6 +63,9 @@ class StartedScopes {
   /// permission_denied when no scope covers the item; else with the cause why its folder cannot be
   /// entered.
   Result<LocatedItem> locate(const std::string& path, ScopeAccess access) const;
+
+  /// The place for a new file: beneath a scope, or one that was picked. Fails as `locate` does.
+  Result<LocatedItem> locateForCreation(const std::string& path) const;
 
   /// The way to an item that is to be changed. Fails with invalid_argument and permission_denied as
   /// `locate` does. The way of an item that is itself a scope's has its own name only, seen from
@@ -82,10 +94,13 @@ class StartedScopes {
   std::vector<Grant> candidates(const std::string& path, ScopeAccess access) const;
   std::optional<Covering> covering(const std::string& path, ScopeAccess access) const;
   void renewBuiltIns() const;
+  Grant folderOfPlace(const std::string& realPath) const;
   Result<LocatedItem> locateReal(const std::string& path, ScopeAccess access) const;
 
   mutable std::mutex mutex_;
   std::map<std::string, Grant> started_;
+  /// The folders of the picked places, by the real paths of the places.
+  std::map<std::string, Grant> places_;
   mutable std::vector<BuiltIn> builtIns_;
 };
 

@@ -49,6 +49,11 @@ class FakeFileWorld final : public FileWorld {
     return scopes_->grantByPanel(absolutePath);
   }
 
+  bool pickPlace(const std::string& absolutePath) override {
+    scopes_->grantPlaceByPanel(absolutePath);
+    return true;
+  }
+
   void relaunch(User user) override {
     scopes_ = std::make_unique<FakeSecurityScope>(files_, user == User::Same ? "user" : "other");
     scopes_->enforce();

@@ -2,16 +2,24 @@
 
 #include <cerrno>
 #include <limits>
+#include <set>
 
 #include "platform/linux/FileCreation.h"
 #include "tests/platform/files/EngineFixture.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/FakeLog.h"
 
 namespace tavrin::testing {
 namespace {
 
 class FileCreation : public EngineFixture {
  protected:
+  static bool holdsOnly(const std::string& folder, const std::set<std::string>& names) {
+    std::set<std::string> found;
+    for (const auto& [name, ignored] : namesIn(folder)) found.insert(name);
+    return found == names;
+  }
+
   const PropertyList::Data bytes = {0, 1, 2, 0xff};
 };
 
@@ -40,6 +48,47 @@ TEST_F(FileCreation, ReplacesNothingAndLeavesNothing) {
     EXPECT_TRUE(namesIn(small.path()).empty());
   }
   EXPECT_EQ(snapshotOf(scratch.path()), before);
+}
+
+TEST_F(FileCreation, WhatItCannotReplaceStaysAndNothingIsLeft) {
+  build().folder("folder").file("folder/inside", "x").pipe("pipe");
+  const TreeSnapshot before = snapshotOf(at("folder"));
+  EXPECT_EQ(causeOf(createOrReplaceFile(item("folder"), bytes, partials)),
+            std::errc::is_a_directory);
+  EXPECT_EQ(snapshotOf(at("folder")), before);
+  EXPECT_TRUE(createOrReplaceFile(item("pipe"), bytes, partials));
+  EXPECT_EQ(readFile(item("pipe"), bytes.size()).value(), bytes);
+
+  const MountedFolder small("size=64k");
+  if (small.isMounted()) {
+    TreeBuilder(small.path()).file("old", "old");
+    EXPECT_EQ(causeOf(createOrReplaceFile(OpenItem(small / "old"), PropertyList::Data(200'000, 1),
+                                          partials)),
+              std::errc::no_space_on_device);
+    EXPECT_TRUE(holdsOnly(small.path(), {"old"}));
+    EXPECT_EQ(readFile(OpenItem(small / "old"), 10).value(), (PropertyList::Data{'o', 'l', 'd'}));
+  }
+  EXPECT_TRUE(holdsOnly(scratch.path(), {"folder", "pipe"}));
+  EXPECT_TRUE(hasNoRecords());
+}
+
+TEST_F(FileCreation, AFileIsWholeWheneverItsReplacementIsKilled) {
+  const PropertyList::Data old(400'000, 'o');
+  const PropertyList::Data young(400'000, 'y');
+  for (unsigned round = 0; round < 25; ++round) {
+    ASSERT_TRUE(createOrReplaceFile(item("file"), old, partials));
+    killAfter(round * 200U, [&] {
+      while (createOrReplaceFile(item("file"), young, partials)) continue;
+    });
+    const auto read = readFile(item("file"), young.size());
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(read.value() == old || read.value() == young);
+    FakeLog log;
+    partials.clearLeftovers(log);
+    EXPECT_TRUE(log.lines().empty());
+    EXPECT_TRUE(hasNoRecords());
+    EXPECT_TRUE(holdsOnly(scratch.path(), {"file"}));
+  }
 }
 
 TEST_F(FileCreation, ReadsOnlyRegularFilesWithoutWaiting) {

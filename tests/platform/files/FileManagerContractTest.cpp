@@ -35,7 +35,9 @@ const std::array<Operation, 7> operations = {{
      [](auto& files, auto& path, auto& other) { return files.moveItemAtPath(path, other); }},
     {"remove", [](auto& files, auto& path, auto&) { return files.removeItemAtPath(path); }},
     {"create file",
-     [](auto& files, auto&, auto& other) { return files.createFileAtPath(other, bytesOf("new")); }},
+     [](auto& files, auto&, auto& other) {
+       return files.createFileAtPath(other, bytesOf("new"), FileManager::Replace::No);
+     }},
     {"create folder",
      [](auto& files, auto&, auto& other) {
        return files.createDirectoryAtPath(other, Intermediates::Create);
@@ -125,7 +127,8 @@ TEST_P(FileManagerContract, RefusesEverythingWithoutAScope) {
 TEST_P(FileManagerContract, WorksBelowAPickedFolder) {
   world_->addFile("grant/folder/file", "text");
   ASSERT_TRUE(world_->pick(at("grant")));
-  EXPECT_TRUE(files().createFileAtPath(at("grant/created"), bytesOf("bytes")));
+  EXPECT_TRUE(
+      files().createFileAtPath(at("grant/created"), bytesOf("bytes"), FileManager::Replace::No));
   EXPECT_TRUE(files().createDirectoryAtPath(at("grant/made"), Intermediates::No));
   EXPECT_TRUE(files().copyItemAtPath(at("grant/folder"), at("grant/made/copy")));
   EXPECT_TRUE(files().moveItemAtPath(at("grant/folder/file"), at("grant/moved")));
@@ -149,7 +152,8 @@ TEST_P(FileManagerContract, ReplacesNothing) {
     const std::string taken = at(name);
     expectFailure(files().copyItemAtPath(at("grant/source"), taken), std::errc::file_exists);
     expectFailure(files().moveItemAtPath(at("grant/source"), taken), std::errc::file_exists);
-    expectFailure(files().createFileAtPath(taken, {}), std::errc::file_exists);
+    expectFailure(files().createFileAtPath(taken, {}, FileManager::Replace::No),
+                  std::errc::file_exists);
     expectFailure(files().createDirectoryAtPath(taken, Intermediates::No), std::errc::file_exists);
   }
   expectFailure(files().createDirectoryAtPath(at("grant/file"), Intermediates::Create),
@@ -157,6 +161,51 @@ TEST_P(FileManagerContract, ReplacesNothing) {
   expectFailure(files().createDirectoryAtPath(at("grant/dangling"), Intermediates::Create),
                 std::errc::file_exists);
   EXPECT_EQ(world_->snapshot(), before);
+}
+
+TEST_P(FileManagerContract, ReplacesAFileWhereItIsTold) {
+  constexpr auto yes = FileManager::Replace::Yes;
+  world_->addFile("grant/file", "old");
+  world_->addFile("grant/target", "target");
+  world_->addSymlink("grant/link", "target");
+  world_->addFile("grant/folder/inside", "inside");
+  ASSERT_TRUE(world_->pick(at("grant")));
+  EXPECT_TRUE(files().createFileAtPath(at("grant/file"), bytesOf("new"), yes));
+  EXPECT_TRUE(files().createFileAtPath(at("grant/link"), bytesOf("no link"), yes));
+  EXPECT_TRUE(files().createFileAtPath(at("grant/free"), {}, yes));
+  expectFailure(files().createFileAtPath(at("grant/folder"), {}, yes), std::errc::is_a_directory);
+  EXPECT_THAT(world_->snapshot(),
+              ElementsAre("grant", "grant/file=new", "grant/folder", "grant/folder/inside=inside",
+                          "grant/free=", "grant/link=no link", "grant/target=target"));
+}
+
+TEST_P(FileManagerContract, APickedPlaceGrantsOneFileOfItsFolder) {
+  constexpr auto no = FileManager::Replace::No;
+  constexpr auto yes = FileManager::Replace::Yes;
+  world_->addFolder("folder/taken by a folder");
+  world_->addSymlink("link", "folder");
+  ASSERT_TRUE(world_->pickPlace(at("link/new")));
+  ASSERT_TRUE(world_->pickPlace(at("folder/taken by a folder")));
+  for (const char* other : {"folder/other", "folder", "new", "folder/new/below"}) {
+    expectFailure(files().createFileAtPath(at(other), {}, yes), std::errc::permission_denied);
+  }
+  EXPECT_TRUE(files().createFileAtPath(at("link/new"), bytesOf("1"), no));
+  expectFailure(files().createFileAtPath(at("folder/new"), bytesOf("2"), no),
+                std::errc::file_exists);
+  EXPECT_TRUE(files().createFileAtPath(at("folder/new"), bytesOf("3"), yes));
+  expectFailure(files().createFileAtPath(at("folder/taken by a folder"), {}, yes),
+                std::errc::is_a_directory);
+  expectRefused(at("folder/new"), at("folder/moved"), std::errc::permission_denied);
+  expectFailure(files().createDirectoryAtPath(at("folder/new"), Intermediates::Create),
+                std::errc::permission_denied);
+  EXPECT_FALSE(world_->scopes().startAccessingSecurityScopedResource(
+      FileURL::fileURLWithPath(at("folder/new"))));
+
+  world_->renameItem("folder", "moved");
+  world_->addFolder("folder");
+  expectFailure(files().createFileAtPath(at("folder/new"), {}, yes), std::errc::permission_denied);
+  EXPECT_THAT(world_->snapshot(), ElementsAre("folder", "link->folder", "moved", "moved/new=3",
+                                              "moved/taken by a folder"));
 }
 
 TEST_P(FileManagerContract, PutsNoFolderIntoItself) {
@@ -187,7 +236,7 @@ TEST_P(FileManagerContract, TellsWhatIsMissing) {
     expectFailure(files().moveItemAtPath(path, target), cause);
     expectFailure(files().removeItemAtPath(path), cause);
     if (path == at("grant/none")) continue;
-    expectFailure(files().createFileAtPath(path, {}), cause);
+    expectFailure(files().createFileAtPath(path, {}, FileManager::Replace::No), cause);
     expectFailure(files().copyItemAtPath(at("grant/file"), path), cause);
     expectFailure(files().moveItemAtPath(at("grant/file"), path), cause);
     expectFailure(files().createDirectoryAtPath(path, Intermediates::No), cause);
@@ -345,8 +394,9 @@ TEST_P(FileManagerContract, OpensContainersAndReadsResourcesWithoutAGrant) {
   const std::string icon = world_->resources() + "/icon";
   expectFailure(files().moveItemAtPath(icon, *container + "/moved"), std::errc::permission_denied);
   expectFailure(files().removeItemAtPath(icon), std::errc::permission_denied);
-  expectFailure(files().createFileAtPath(world_->resources() + "/new", {}),
-                std::errc::permission_denied);
+  expectFailure(
+      files().createFileAtPath(world_->resources() + "/new", {}, FileManager::Replace::No),
+      std::errc::permission_denied);
   EXPECT_EQ(textOf(files().contentsAtPath(icon)), "icon");
   for (const std::string& identifier : {std::string(), std::string("."), std::string(".."),
                                         std::string("a/b"), std::string("/a")}) {
@@ -361,7 +411,7 @@ TEST_P(FileManagerContract, TakesNamesOfAnyBytes) {
   for (const std::string& name : {std::string("-rf *"), std::string("quote'\"\n"),
                                   std::string("\xff\xfe no text"), longest}) {
     const std::string path = at("grant/" + name);
-    EXPECT_TRUE(files().createFileAtPath(path, bytesOf(name))) << name;
+    EXPECT_TRUE(files().createFileAtPath(path, bytesOf(name), FileManager::Replace::No)) << name;
     EXPECT_TRUE(files().copyItemAtPath(path, at("grant/copy"))) << name;
     EXPECT_EQ(textOf(files().contentsAtPath(at("grant/copy"))), name);
     EXPECT_TRUE(files().moveItemAtPath(path, at("grant/moved"))) << name;

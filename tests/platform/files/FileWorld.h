@@ -40,6 +40,9 @@ class FileWorld {
   /// The user picks an item, an absolute path, in a panel of the program.
   virtual bool pick(const std::string& absolutePath) = 0;
 
+  /// The user picks a name, there or not, in a save panel; an absolute path.
+  virtual bool pickPlace(const std::string& absolutePath) = 0;
+
   enum class User { Same, Other };
   /// Ends the program and starts it again: no scope is started then.
   virtual void relaunch(User user) = 0;

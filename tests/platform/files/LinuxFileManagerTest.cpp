@@ -52,9 +52,10 @@ TEST_F(LinuxFileManagerTest, TakesPathsOfAnyLength) {
   EXPECT_FALSE(files_.fileExistsAtPath("/" + std::string(10'000, 'x')));
   EXPECT_EQ(files_.resolvingSymlinksInPath(throughLink + "/missing"), deep + "/missing");
 
-  EXPECT_EQ(files_.createFileAtPath(deep + "/new", {}).error().code, std::errc::permission_denied);
+  EXPECT_EQ(files_.createFileAtPath(deep + "/new", {}, FileManager::Replace::No).error().code,
+            std::errc::permission_denied);
   pick(scratch_ / "top");
-  EXPECT_TRUE(files_.createFileAtPath(throughLink + "/new", {'n'}));
+  EXPECT_TRUE(files_.createFileAtPath(throughLink + "/new", {'n'}, FileManager::Replace::No));
   EXPECT_TRUE(files_.createDirectoryAtPath(throughLink + "/a/b", Intermediates::Create));
   EXPECT_TRUE(files_.moveItemAtPath(deep + "/new", throughLink + "/a/b/moved"));
   EXPECT_TRUE(files_.copyItemAtPath(deep + "/a", scratch_ / "top/copy"));
@@ -67,7 +68,7 @@ TEST_F(LinuxFileManagerTest, GrantsFoldersAtPathsOfAnyLength) {
   const std::string deep = deepPath(scratch_ / "top");
   const FileURL url = FileURL::fileURLWithPath(deep);
   pick(deep);
-  EXPECT_TRUE(files_.createFileAtPath(deep + "/new", {'n'}));
+  EXPECT_TRUE(files_.createFileAtPath(deep + "/new", {'n'}, FileManager::Replace::No));
   EXPECT_EQ(files_.contentsAtPath(deep + "/new").value(), PropertyList::Data{'n'});
   const auto bookmark = scopes_.bookmarkDataForURL(url);
   ASSERT_TRUE(bookmark);
@@ -79,13 +80,15 @@ TEST_F(LinuxFileManagerTest, StaysBeneathTheGrantOnKernelsWithoutItsHelp) {
   tree_.symbolicLink("grant/exit", "../outside");
   pick(scratch_ / "grant");
   const int status = testing::withoutSystemCall(SYS_openat2, ENOSYS, [this] {
-    if (!files_.createFileAtPath(scratch_ / "grant/sub/new", {'n'})) return 1;
+    if (!files_.createFileAtPath(scratch_ / "grant/sub/new", {'n'}, FileManager::Replace::No))
+      return 1;
     if (!files_.contentsOfDirectoryAtPath(scratch_ / "grant/sub")) return 2;
     if (!files_.createDirectoryAtPath(scratch_ / "grant/a/b", Intermediates::Create)) return 3;
     if (!files_.moveItemAtPath(scratch_ / "grant/sub/new", scratch_ / "grant/a/b/new")) return 4;
     if (files_.contentsAtPath(scratch_ / "grant/exit/file")) return 5;
     if (files_.contentsAtPath(scratch_ / "grant/sub/../../outside/file")) return 6;
-    if (files_.createFileAtPath(scratch_ / "grant/exit/new", {})) return 7;
+    if (files_.createFileAtPath(scratch_ / "grant/exit/new", {}, FileManager::Replace::No))
+      return 7;
     if (!grantByPicking(scopes_, scratch_ / "outside")) return 8;
     if (!files_.contentsAtPath(scratch_ / "grant/exit/file")) return 9;
     return 0;
@@ -107,7 +110,8 @@ TEST_F(LinuxFileManagerTest, TellsWhenTheSystemRefuses) {
     if (files_.fileExistsAtPath(scratch_ / "grant/closed/file")) return 1;
     if (!isRefused(files_.contentsAtPath(scratch_ / "grant/closed/file"))) return 2;
     if (!isRefused(files_.contentsOfDirectoryAtPath(scratch_ / "grant/closed"))) return 3;
-    if (!isRefused(files_.createFileAtPath(scratch_ / "grant/new", {}))) return 4;
+    if (!isRefused(files_.createFileAtPath(scratch_ / "grant/new", {}, FileManager::Replace::No)))
+      return 4;
     if (!isRefused(files_.createDirectoryAtPath(scratch_ / "grant/a/b", Intermediates::Create))) {
       return 5;
     }
@@ -130,12 +134,12 @@ TEST_F(LinuxFileManagerTest, KeepsTheContainerForTheUserAndFindsItWhenMadeAnew) 
   struct stat status {};
   ASSERT_EQ(::stat(container->c_str(), &status), 0);
   EXPECT_EQ(status.st_mode & 07777U, 0700U);
-  EXPECT_TRUE(files_.createFileAtPath(*container + "/file", {}));
+  EXPECT_TRUE(files_.createFileAtPath(*container + "/file", {}, FileManager::Replace::No));
   fs::rename(*container, scratch_ / "old");
-  EXPECT_FALSE(files_.createFileAtPath(*container + "/file", {}));
+  EXPECT_FALSE(files_.createFileAtPath(*container + "/file", {}, FileManager::Replace::No));
   ASSERT_TRUE(files_.containerPathForSecurityApplicationGroupIdentifier("group"));
-  EXPECT_TRUE(files_.createFileAtPath(*container + "/file", {}));
-  EXPECT_FALSE(files_.createFileAtPath(scratch_ / "old/new", {}));
+  EXPECT_TRUE(files_.createFileAtPath(*container + "/file", {}, FileManager::Replace::No));
+  EXPECT_FALSE(files_.createFileAtPath(scratch_ / "old/new", {}, FileManager::Replace::No));
 }
 
 TEST_F(LinuxFileManagerTest, LeavesNoRecordsOfFinishedCopies) {

@@ -68,6 +68,9 @@ class LinuxFileWorld final : public FileWorld {
   bool pick(const std::string& absolutePath) override {
     return static_cast<bool>(grantByPicking(*scopes_, absolutePath));
   }
+  bool pickPlace(const std::string& absolutePath) override {
+    return static_cast<bool>(grantPlaceByPicking(*scopes_, absolutePath));
+  }
 
   void relaunch(User user) override {
     const std::string data = scratch_.path() + "/data";

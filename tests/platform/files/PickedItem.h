@@ -16,4 +16,13 @@ inline Status grantByPicking(LinuxSecurityScope& scopes, const std::string& path
   return success();
 }
 
+/// What a save panel does when the user picks a name, there or not, in a folder that is there.
+inline Status grantPlaceByPicking(LinuxSecurityScope& scopes, const std::string& path) {
+  const auto folder =
+      ScopeGrant::open(pathByResolvingSymlinks(path.substr(0, path.find_last_of('/') + 1)));
+  if (!folder) return folder.error();
+  scopes.grantPlaceByPicking({folder.value(), path.substr(path.find_last_of('/') + 1)});
+  return success();
+}
+
 }  // namespace tavrin

@@ -96,7 +96,7 @@ class ScopeAttack : public ::testing::Test {
   }
 
   void createFile() {
-    count(files_.createFileAtPath(tree("sub/deep/new"), {}));
+    count(files_.createFileAtPath(tree("sub/deep/new"), {}, FileManager::Replace::No));
     count(files_.removeItemAtPath(tree("sub/deep/new")));
   }
 

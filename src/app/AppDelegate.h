@@ -21,7 +21,6 @@
 namespace tavrin {
 
 enum class IsCopy { No, Yes };
-enum class IsHidden { No, Yes };
 
 /// The host's one long-lived object: it owns what every command shares, leads the program from its
 /// launch to its end, and carries out requests. Each command is a method named after its action,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -10,6 +11,8 @@
 
 namespace tavrin {
 
+enum class IsHidden { No, Yes };
+
 /// Work on files, as NSFileManager. Paths are absolute byte strings; a relative one is refused.
 ///
 /// Reading or changing anything needs a started security scope that covers it (see SecurityScope);
@@ -19,10 +22,10 @@ namespace tavrin {
 /// symbolic link. What the operation then touches lies below the scope's folder, whatever another
 /// process swaps meanwhile.
 ///
-/// Nothing is ever replaced unless the caller says so: an operation whose target name is taken fails
-/// with file_exists and leaves it as it was. An operation that fails leaves no part of its result behind. When the
-/// process is killed in the middle, every item stands whole under its old name, its new one, or
-/// both.
+/// Nothing is ever replaced unless the caller says so: an operation whose target name is taken
+/// fails with file_exists and leaves it as it was. An operation that fails leaves no part of its
+/// result behind. When the process is killed in the middle, every item stands whole under its old
+/// name, its new one, or both.
 class FileManager {
  public:
   virtual ~FileManager() = default;
@@ -77,6 +80,18 @@ class FileManager {
   /// Removes an item, a folder with all that is in it, without following links and without entering
   /// another file system that is mounted inside. Stops at the first item that cannot be removed.
   virtual Status removeItemAtPath(const std::string& path) = 0;
+
+  /// Hides an item from file viewers, or shows it again (NSURLIsHiddenKey), without renaming it.
+  /// The flag is the item's: moving takes it along, removing drops it. Setting it as it is is
+  /// success.
+  virtual Status setHiddenAtPath(const std::string& path, IsHidden isHidden) = 0;
+
+  /// Keeps a series of operations together while it lives; batches may lie within each other.
+  using Batch = std::shared_ptr<void>;
+  /// Begins a series: the folders that its operations work in are looked for once and held, and
+  /// changes of hidden flags may be written together at its end; a failure of that writing then
+  /// reaches the log. Batches and what is done within them belong to the main thread.
+  [[nodiscard]] virtual Batch batch() = 0;
 
   /// The folder that the group's programs share; nothing when it cannot be made.
   virtual std::optional<std::string> containerPathForSecurityApplicationGroupIdentifier(

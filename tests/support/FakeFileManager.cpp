@@ -37,6 +37,7 @@ struct FakeFileManager::Item {
   enum class Kind { File, Folder, Symlink };
   Kind kind = Kind::File;
   std::uint64_t identity = 0;
+  bool isHidden = false;
   /// The bytes of a file, the target of a link.
   std::string text;
   std::map<std::string, std::shared_ptr<Item>> children;
@@ -282,7 +283,9 @@ Status FakeFileManager::copyItemAtPath(const std::string& source, const std::str
   if (isPathAtOrBelow(to.value().realPath, from.value().realPath)) {
     return failure("copy", destination, std::errc::invalid_argument);
   }
-  to.value().parent->children[to.value().name] = folderCopy(*item, lastIdentity_);
+  auto copy = folderCopy(*item, lastIdentity_);
+  copy->isHidden = false;
+  to.value().parent->children[to.value().name] = std::move(copy);
   return success();
 }
 
@@ -309,6 +312,19 @@ Status FakeFileManager::removeItemAtPath(const std::string& path) {
   if (!found.value().item) return failure("remove", path, std::errc::no_such_file_or_directory);
   found.value().parent->children.erase(found.value().name);
   return success();
+}
+
+Status FakeFileManager::setHiddenAtPath(const std::string& path, IsHidden isHidden) {
+  if (const auto injected = fault("hide", path)) return *injected;
+  const auto found = place("hide", path, Access::Change);
+  if (!found) return found.error();
+  if (!found.value().item) return failure("hide", path, std::errc::no_such_file_or_directory);
+  found.value().item->isHidden = isHidden == IsHidden::Yes;
+  return success();
+}
+
+FileManager::Batch FakeFileManager::batch() {
+  return std::make_shared<int>(0);
 }
 
 std::optional<std::string> FakeFileManager::containerPathForSecurityApplicationGroupIdentifier(
@@ -391,6 +407,11 @@ void FakeFileManager::collectPaths(const Item& folder, const std::string& path,
     paths.push_back(appendingPathComponent(path, name));
     collectPaths(*child, appendingPathComponent(path, name), paths);
   }
+}
+
+bool FakeFileManager::isHidden(const std::string& path) const {
+  const auto item = find(path);
+  return item && item->isHidden;
 }
 
 std::vector<std::string> FakeFileManager::allPaths() const {

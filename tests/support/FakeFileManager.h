@@ -34,6 +34,8 @@ class FakeFileManager final : public FileManager {
   Status copyItemAtPath(const std::string& source, const std::string& destination) override;
   Status moveItemAtPath(const std::string& source, const std::string& destination) override;
   Status removeItemAtPath(const std::string& path) override;
+  Status setHiddenAtPath(const std::string& path, IsHidden isHidden) override;
+  [[nodiscard]] Batch batch() override;
   /// "/containers/<group>", made when missing.
   std::optional<std::string> containerPathForSecurityApplicationGroupIdentifier(
       const std::string& groupIdentifier) override;
@@ -55,6 +57,7 @@ class FakeFileManager final : public FileManager {
   std::optional<std::string> textOfFile(const std::string& path) const;
   /// Where the symbolic link at a path points; nothing when there is none.
   std::optional<std::string> targetOfSymlink(const std::string& path) const;
+  bool isHidden(const std::string& path) const;
   /// The paths of all items but "/", sorted. No link is followed.
   std::vector<std::string> allPaths() const;
   /// A number that is the item's own as long as it exists and no other's ever; nothing for a path

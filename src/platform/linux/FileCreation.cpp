@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <tuple>
 
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FolderEntry.h"
@@ -27,6 +28,14 @@ Status writeAll(int descriptor, const PropertyList::Data& contents, const Folder
     position += static_cast<std::size_t>(written);
   }
   return success();
+}
+
+/// The owner stays as far as the user may give files away; the rights come last, for a change of
+/// owner takes some of them.
+void takeOverRights(int file, const struct stat& replaced) {
+  constexpr mode_t kept = 0777;
+  std::ignore = ::fchown(file, replaced.st_uid, replaced.st_gid);
+  ::fchmod(file, replaced.st_mode & kept);
 }
 
 Status createUnderTemporaryName(const ItemReference& item, const PropertyList::Data& contents) {
@@ -85,7 +94,7 @@ Status createFile(const ItemReference& item, const PropertyList::Data& contents)
 }
 
 Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& contents,
-                           const PartialItems& partials) {
+                           const PartialItems& partials, const std::optional<struct stat>& rights) {
   const FolderEntry entry(item);
   Result<PartialItem> partial = partials.begin(item);
   if (!partial) return partial.error();
@@ -94,6 +103,7 @@ Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& 
                                      O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                      rightsOfNewFiles));
   if (!file) return entry.failure("create", errno);
+  if (rights) takeOverRights(file.get(), *rights);
   Status done = writeDurably(file.get(), contents, entry);
   if (done) done = replaceBy(name, item);
   if (!done && ::unlinkat(item.parentDescriptor, name.c_str(), 0) != 0) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <sys/stat.h>
+
 #include <cstddef>
+#include <optional>
 
 #include "foundation/PropertyList.h"
 #include "foundation/Result.h"
@@ -16,9 +19,11 @@ Status createFile(const ItemReference& item, const PropertyList::Data& contents)
 /// Creates a file as createFile does, or puts it in the place of what has the name: by one rename,
 /// after its bytes are durable, so that a power cut leaves the old item or the new one. A link is
 /// replaced itself, a folder not (is_a_directory). A process that is killed in the middle leaves a
-/// partial item that `partials` knows of.
+/// partial item that `partials` knows of. With `rights` the file has the mode and, where the user may
+/// give files away, the owner of that status.
 Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& contents,
-                           const PartialItems& partials);
+                           const PartialItems& partials,
+                           const std::optional<struct stat>& rights = std::nullopt);
 
 /// The bytes of a regular file. A link is not followed (too_many_symbolic_link_levels); a folder is
 /// is_a_directory, any other kind invalid_argument, without blocking; more than `largestSize` bytes

@@ -60,7 +60,8 @@ LinuxFileManager::LinuxFileManager(const LinuxSecurityScope& securityScope, Log&
     : scopes_(securityScope.startedScopes()),
       log_(log),
       dataFolder_(std::move(dataFolder)),
-      partialItems_(recordFolder(dataFolder_)) {}
+      partialItems_(recordFolder(dataFolder_)),
+      folders_(scopes_, partialItems_, log) {}
 
 bool LinuxFileManager::fileExistsAtPath(const std::string& path) const {
   return static_cast<bool>(statusAtPath(path, LastLink::Keep));
@@ -139,17 +140,62 @@ Status LinuxFileManager::copyItemAtPath(const std::string& source, const std::st
 }
 
 Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {
-  const auto from = scopes_.locate(source, ScopeAccess::Change);
+  const auto from = folders_.locate(source, ScopeAccess::Change);
   if (!from) return from.error();
-  const auto to = scopes_.locate(destination, ScopeAccess::Change);
+  const auto to = folders_.locate(destination, ScopeAccess::Change);
   if (!to) return to.error();
-  return moveItem(reference(from.value()), reference(to.value()), partialItems_);
+  folders_.letGoBelow(from.value());
+  Status moved = moveItem(from.value().reference(), to.value().reference(), partialItems_);
+  if (moved) noteHidingFailure(*from.value().folder, carryHiddenName(from.value(), to.value()));
+  return moved;
 }
 
 Status LinuxFileManager::removeItemAtPath(const std::string& path) {
-  const auto item = scopes_.locate(path, ScopeAccess::Change);
+  const auto item = folders_.locate(path, ScopeAccess::Change);
   if (!item) return item.error();
-  return removeItem(reference(item.value()));
+  folders_.letGoBelow(item.value());
+  Status removed = removeItem(item.value().reference());
+  if (removed) noteHidingFailure(*item.value().folder, dropHiddenName(item.value()));
+  return removed;
+}
+
+Status LinuxFileManager::setHiddenAtPath(const std::string& path, IsHidden isHidden) {
+  const auto item = folders_.locate(path, ScopeAccess::Change);
+  if (!item) return item.error();
+  const ItemPlace& place = item.value();
+  if (::faccessat(place.folder->handle.get(), place.name.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0) {
+    return systemError("hide", path);
+  }
+  if (Status set = place.folder->hidden.set(place.name, isHidden); !set) return set;
+  return folders_.finish(*place.folder);
+}
+
+FileManager::Batch LinuxFileManager::batch() {
+  return folders_.batch();
+}
+
+Status LinuxFileManager::dropHiddenName(const ItemPlace& item) {
+  HiddenNames& hidden = item.folder->hidden;
+  if (item.name == hiddenListName) hidden.forget();
+  if (Status dropped = hidden.set(item.name, IsHidden::No); !dropped) return dropped;
+  return folders_.finish(*item.folder);
+}
+
+Status LinuxFileManager::carryHiddenName(const ItemPlace& from, const ItemPlace& to) {
+  const auto wasHidden = from.folder->hidden.contains(from.name);
+  if (!wasHidden) return wasHidden.error();
+  if (Status dropped = dropHiddenName(from); !dropped) return dropped;
+  HiddenNames& hidden = to.folder->hidden;
+  if (to.name == hiddenListName) hidden.forget();
+  const IsHidden isHidden = wasHidden.value() ? IsHidden::Yes : IsHidden::No;
+  if (Status carried = hidden.set(to.name, isHidden); !carried) return carried;
+  return folders_.finish(*to.folder);
+}
+
+/// The operation itself is done by then.
+void LinuxFileManager::noteHidingFailure(HeldFolder& folder, const Status& status) {
+  if (status || std::exchange(folder.isHidingFailureNoted, true)) return;
+  log_.write("hidden flag not carried along: " + status.error().describe());
 }
 
 std::optional<std::string> LinuxFileManager::containerPathForSecurityApplicationGroupIdentifier(

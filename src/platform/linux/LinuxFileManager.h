@@ -4,6 +4,7 @@
 
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/linux/HeldFolders.h"
 #include "platform/linux/LinuxSecurityScope.h"
 #include "platform/linux/PartialItems.h"
 
@@ -32,6 +33,10 @@ class LinuxFileManager final : public FileManager {
   Status copyItemAtPath(const std::string& source, const std::string& destination) override;
   Status moveItemAtPath(const std::string& source, const std::string& destination) override;
   Status removeItemAtPath(const std::string& path) override;
+  /// By the list ".hidden" of the folder, which every file manager reads. A name with a line break
+  /// cannot be hidden (invalid_argument).
+  Status setHiddenAtPath(const std::string& path, IsHidden isHidden) override;
+  [[nodiscard]] Batch batch() override;
   /// "$XDG_DATA_HOME/<group>"; nothing for an identifier that is no file name.
   std::optional<std::string> containerPathForSecurityApplicationGroupIdentifier(
       const std::string& groupIdentifier) override;
@@ -40,10 +45,15 @@ class LinuxFileManager final : public FileManager {
   void clearLeftovers();
 
  private:
+  Status dropHiddenName(const ItemPlace& item);
+  Status carryHiddenName(const ItemPlace& from, const ItemPlace& to);
+  void noteHidingFailure(HeldFolder& folder, const Status& status);
+
   const StartedScopes& scopes_;
   Log& log_;
   std::string dataFolder_;
   PartialItems partialItems_;
+  HeldFolders folders_;
 };
 
 }  // namespace tavrin

@@ -1,5 +1,7 @@
 #include "platform/linux/TreeRemoval.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 #include <string>
 #include <system_error>
@@ -10,6 +12,8 @@
 namespace tavrin {
 
 Status removeItem(const ItemReference& item) {
+  // Most items are no folders, and then this is all.
+  if (::unlinkat(item.parentDescriptor, item.name.c_str(), 0) == 0) return success();
   return RemovalWalk(item, RemovalWalk::FolderRights::Respect).run();
 }
 

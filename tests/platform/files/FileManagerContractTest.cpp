@@ -25,7 +25,7 @@ Status asStatus(const auto& result) {
   return result ? success() : Status(result.error());
 }
 
-const std::array<Operation, 7> operations = {{
+const std::array<Operation, 8> operations = {{
     {"list", [](auto& files, auto& path,
                 auto&) { return asStatus(files.contentsOfDirectoryAtPath(path)); }},
     {"read", [](auto& files, auto& path, auto&) { return asStatus(files.contentsAtPath(path)); }},
@@ -33,6 +33,8 @@ const std::array<Operation, 7> operations = {{
      [](auto& files, auto& path, auto& other) { return files.copyItemAtPath(path, other); }},
     {"move",
      [](auto& files, auto& path, auto& other) { return files.moveItemAtPath(path, other); }},
+    {"hide",
+     [](auto& files, auto& path, auto&) { return files.setHiddenAtPath(path, IsHidden::Yes); }},
     {"remove", [](auto& files, auto& path, auto&) { return files.removeItemAtPath(path); }},
     {"create file",
      [](auto& files, auto&, auto& other) {

@@ -1,0 +1,176 @@
+#include "platform/linux/HiddenNames.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <unordered_map>
+#include <utility>
+
+#include "platform/linux/FileCreation.h"
+#include "platform/linux/FileDescriptor.h"
+#include "platform/linux/FileReplacement.h"
+#include "platform/linux/SystemErrors.h"
+
+namespace tavrin {
+
+namespace {
+
+constexpr char hideMark = '+';
+constexpr char showMark = '-';
+constexpr std::size_t largestList = std::size_t{64} << 20;
+// A window redraws each item that is touched; with more it had better be loaded anew.
+constexpr std::size_t mostItemsTouched = 1000;
+
+/// Calls `use` with each line, without its line break.
+template <typename Use>
+void forEachLine(std::string_view text, const Use& use) {
+  while (!text.empty()) {
+    const auto end = std::min(text.find('\n'), text.size());
+    use(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
+  }
+}
+
+/// Redraws an item in windows that watch it, by setting the rights that it has.
+void touch(int folder, const std::string& name) {
+  const FileDescriptor item(::openat(folder, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status {};
+  if (!item || ::fstat(item.get(), &status) != 0) return;
+  const bool isPlain = (status.st_mode & (S_ISUID | S_ISGID | S_ISVTX)) == 0;
+  if (!isPlain || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) return;
+  const std::string path = "/proc/self/fd/" + std::to_string(item.get());
+  ::chmod(path.c_str(), status.st_mode & ACCESSPERMS);
+}
+
+}  // namespace
+
+void HiddenNameChanges::add(std::string_view name, IsHidden isHidden) {
+  const bool hides = isHidden == IsHidden::Yes;
+  changes_ += hides ? hideMark : showMark;
+  changes_ += name;
+  changes_ += '\n';
+  hidesAny_ = hidesAny_ || hides;
+}
+
+std::string HiddenNameChanges::appliedTo(std::string_view list) const {
+  // What is still to be done for each name; a name that the list has already is done.
+  std::unordered_map<std::string_view, char> marks;
+  forEachLine(changes_, [&](std::string_view line) { marks[line.substr(1)] = line[0]; });
+  std::string changed;
+  changed.reserve(list.size() + (hidesAny_ ? changes_.size() : 0));
+  bool hasName = false;
+  const auto keep = [&](std::string_view line) {
+    hasName = hasName || line.find_first_not_of(" \t\r") != std::string_view::npos;
+    changed += line;
+    changed += '\n';
+  };
+  forEachLine(list, [&](std::string_view line) {
+    const auto mark = marks.find(line);
+    if (mark != marks.end() && mark->second == showMark) return;
+    if (mark != marks.end()) marks.erase(mark);
+    keep(line);
+  });
+  forEachLine(changes_, [&](std::string_view line) {
+    const auto mark = marks.find(line.substr(1));
+    if (mark == marks.end() || mark->second == showMark) return;
+    marks.erase(mark);
+    keep(line.substr(1));
+  });
+  return hasName ? changed : std::string();
+}
+
+std::vector<std::string> HiddenNameChanges::names(std::size_t count) const {
+  std::vector<std::string> names;
+  forEachLine(changes_, [&](std::string_view line) {
+    if (names.size() < count) names.emplace_back(line.substr(1));
+  });
+  return names;
+}
+
+void HiddenNameChanges::clear() {
+  changes_ = std::string();
+  hidesAny_ = false;
+}
+
+HiddenNames::HiddenNames(int folder, std::string folderPath, const PartialItems& partials)
+    : folder_(folder), folderPath_(std::move(folderPath)), partials_(partials) {}
+
+Result<std::string> HiddenNames::read() const {
+  const ItemReference list{folder_, hiddenListName, folderPath_ + "/" + hiddenListName};
+  const auto contents = readFile(list, largestList);
+  if (contents) return std::string(contents.value().begin(), contents.value().end());
+  if (contents.error().code == std::errc::no_such_file_or_directory) return std::string();
+  return contents.error();
+}
+
+Status HiddenNames::load() {
+  // A name that waits to be hidden is found in the list only.
+  if (changes_.hidesAny()) {
+    if (Status written = write(); !written) return written;
+  }
+  if (isLoaded_) return success();
+  auto list = read();
+  if (!list) return list.error();
+  list_ = std::move(list).value();
+  forEachLine(list_, [&](std::string_view line) { names_.insert(line); });
+  isLoaded_ = true;
+  return success();
+}
+
+Result<bool> HiddenNames::contains(const std::string& name) {
+  if (Status loaded = load(); !loaded) return loaded.error();
+  return names_.contains(name);
+}
+
+Status HiddenNames::set(const std::string& name, IsHidden isHidden) {
+  if (name.find('\n') != std::string::npos) {
+    if (isHidden == IsHidden::No) return success();
+    return systemError("hide", folderPath_ + "/" + name, std::errc::invalid_argument);
+  }
+  if (isHidden == IsHidden::No) {
+    const auto isListed = contains(name);
+    if (!isListed) return isListed.error();
+    if (!isListed.value()) return success();
+    names_.erase(name);
+  }
+  changes_.add(name, isHidden);
+  return success();
+}
+
+Status HiddenNames::write() {
+  if (changes_.isEmpty()) return success();
+  const HiddenNameChanges changes = std::exchange(changes_, {});
+  forget();
+  auto list = read();
+  if (!list) return list.error();
+  const std::string changed = changes.appliedTo(list.value());
+  if (changed == list.value()) return success();
+  list = std::string();
+  if (changed.empty()) {
+    if (::unlinkat(folder_, hiddenListName, 0) != 0) return systemError("remove", folderPath_);
+  } else {
+    const ItemReference file{folder_, hiddenListName, folderPath_ + "/" + hiddenListName};
+    Status replaced =
+        replaceFile(file, PropertyList::Data(changed.begin(), changed.end()), partials_);
+    if (!replaced) return replaced;
+  }
+  touchItems(changes.names(mostItemsTouched));
+  return success();
+}
+
+void HiddenNames::touchItems(const std::vector<std::string>& names) const {
+  if (names.size() == mostItemsTouched) return;
+  for (const std::string& name : names) touch(folder_, name);
+}
+
+void HiddenNames::forget() {
+  changes_.clear();
+  isLoaded_ = false;
+  names_ = {};
+  list_ = std::string();
+}
+
+}  // namespace tavrin

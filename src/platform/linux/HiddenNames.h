@@ -1,0 +1,75 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_set>
+#include <vector>
+
+#include "foundation/Result.h"
+#include "platform/FileManager.h"
+#include "platform/linux/PartialItems.h"
+
+namespace tavrin {
+
+/// Changes to a folder's list of hidden names, gathered in little memory; of one name the last one
+/// counts.
+class HiddenNameChanges {
+ public:
+  void add(std::string_view name, IsHidden isHidden);
+  bool isEmpty() const { return changes_.empty(); }
+  /// Whether a name that is to be hidden is among them.
+  bool hidesAny() const { return hidesAny_; }
+
+  /// The list, one name a line, after the changes: other lines stay as they are, and names that
+  /// come to it follow at its end. "" when no name is left.
+  std::string appliedTo(std::string_view list) const;
+
+  /// The names that change, at most `count` of them.
+  std::vector<std::string> names(std::size_t count) const;
+
+  void clear();
+
+ private:
+  /// Lines of a mark and a name, in the order of the changes.
+  std::string changes_;
+  bool hidesAny_ = false;
+};
+
+/// The file ".hidden" of one folder, which names the items of the folder that file managers do not
+/// show, one a line (as GIO and KIO read it). Changes wait until they are written.
+class HiddenNames {
+ public:
+  /// `folder` is an open folder (O_PATH), borrowed, as is `partials`; `folderPath` is for messages.
+  HiddenNames(int folder, std::string folderPath, const PartialItems& partials);
+
+  /// Whether the list has the name, waiting changes counted.
+  Result<bool> contains(const std::string& name);
+
+  /// Fails with invalid_argument when a name with a line break is to be hidden, which no list can
+  /// hold, and when the list cannot be read.
+  Status set(const std::string& name, IsHidden isHidden);
+
+  /// Writes the waiting changes, and touches the items so that open windows show it.
+  Status write();
+
+  /// Forgets the waiting changes and what was read: the list itself has gone or come.
+  void forget();
+
+ private:
+  Result<std::string> read() const;
+  Status load();
+  void touchItems(const std::vector<std::string>& names) const;
+
+  int folder_;
+  std::string folderPath_;
+  const PartialItems& partials_;
+  HiddenNameChanges changes_;
+  bool isLoaded_ = false;
+  std::string list_;
+  std::unordered_set<std::string_view> names_;
+};
+
+/// The name of the list.
+inline constexpr const char* hiddenListName = ".hidden";
+
+}  // namespace tavrin

@@ -34,17 +34,6 @@ void AppDelegate::deleteDirectlySelectedFiles(const ActionRequest& /*request*/) 
   notAvailableYet();
 }
 
-void AppDelegate::openIn(const std::optional<std::string>& /*path*/,
-                         const std::string& /*appName*/) {
-  notAvailableYet();
-}
-
-void AppDelegate::openFile(const std::optional<std::string>& /*file*/,
-                           const std::optional<std::string>& /*path*/,
-                           const std::string& /*appName*/) {
-  notAvailableYet();
-}
-
 void AppDelegate::pinbySnapvane(const ActionRequest& /*request*/) {
   notAvailableYet();
 }

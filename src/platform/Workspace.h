@@ -16,6 +16,12 @@ class Workspace {
   /// once; that no file viewer answers reaches the log.
   virtual void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) = 0;
 
+  /// Opens the item at `path` (absolute) in the application of that name ("Sublime Text"), which is
+  /// started if need be (openFile:withApplication:). True when it was; false when the application is
+  /// not installed, of which nothing is told, or when it cannot be started, which reaches the log.
+  virtual bool openFileWithApplication(const std::string& path,
+                                       const std::string& applicationName) = 0;
+
   /// Launches the program or bundle at a path. True when it was started. May be called on any
   /// thread.
   virtual bool launchApplication(const std::string& path) = 0;

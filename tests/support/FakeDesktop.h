@@ -105,6 +105,11 @@ class FakeWorkspace final : public Workspace {
   void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override {
     shownFolders.push_back(rootPath);
   }
+  bool openFileWithApplication(const std::string& path,
+                               const std::string& applicationName) override {
+    openedWith.emplace_back(path, applicationName);
+    return applicationIsInstalled;
+  }
   bool launchApplication(const std::string& path) override {
     launched.push_back(path);
     return true;
@@ -112,6 +117,9 @@ class FakeWorkspace final : public Workspace {
   [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
 
   std::vector<std::string> shownFolders;
+  /// The paths and the names of the applications that were to open them, in order.
+  std::vector<std::pair<std::string, std::string>> openedWith;
+  bool applicationIsInstalled = true;
   std::vector<std::string> launched;
   std::function<void()> sleep;
 };

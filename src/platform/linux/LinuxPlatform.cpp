@@ -48,6 +48,7 @@ struct LinuxPlatform::Services {
   LinuxAlertProvider alerts;
   LinuxSoundProvider sounds;
   LinuxStatusBar statusBar;
+  ApplicationTable applications;
   LinuxWorkspace workspace;
   LinuxLaunchServices launchServices;
   LinuxLoginItems loginItems;
@@ -71,8 +72,9 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       panels([this](const auto& picked) { securityScope.grantByPicking(picked); }),
       sounds(log, bundle.builtInPlugInsPath()),
       statusBar(appendingPathComponent(bundle.resourcePath(), "icons")),
-      workspace(intake.connection(), log),
-      launchServices(bundle, propertyLists, log),
+      applications(bundle, propertyLists, log),
+      workspace(intake.connection(), applications, log),
+      launchServices(applications),
       loginItems(log),
       distributedNotifications(intake.connection(), log),
       application(accepted, intake, signalsToEnd, log),

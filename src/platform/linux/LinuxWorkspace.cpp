@@ -9,6 +9,7 @@
 #include "foundation/FileURL.h"
 #include "foundation/PathString.h"
 #include "platform/linux/GLibPointers.h"
+#include "platform/linux/OpenWithApplication.h"
 #include "platform/linux/ProgramLauncher.h"
 
 namespace tavrin {
@@ -70,8 +71,13 @@ void LinuxWorkspace::GObjectRelease::operator()(GCancellable* cancellable) const
   g_object_unref(cancellable);
 }
 
-LinuxWorkspace::LinuxWorkspace(GDBusConnection* connection, Log& log)
-    : connection_(connection), log_(log), pendingCalls_(g_cancellable_new()), sleepSignal_(log) {}
+LinuxWorkspace::LinuxWorkspace(GDBusConnection* connection, ApplicationTable& applications,
+                               Log& log)
+    : connection_(connection),
+      applications_(applications),
+      log_(log),
+      pendingCalls_(g_cancellable_new()),
+      sleepSignal_(log) {}
 
 LinuxWorkspace::~LinuxWorkspace() {
   g_cancellable_cancel(pendingCalls_.get());
@@ -89,6 +95,11 @@ void LinuxWorkspace::selectNoFileInFileViewerRootedAtPath(const std::string& roo
       connection_, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
       "org.freedesktop.FileManager1", "ShowFolders", g_variant_new("(^ass)", uris, ""), nullptr,
       G_DBUS_CALL_FLAGS_NONE, -1, pendingCalls_.get(), onFolderShown, folder.release());
+}
+
+bool LinuxWorkspace::openFileWithApplication(const std::string& path,
+                                             const std::string& applicationName) {
+  return tavrin::openFileWithApplication(path, applicationName, applications_, log_);
 }
 
 bool LinuxWorkspace::launchApplication(const std::string& path) {

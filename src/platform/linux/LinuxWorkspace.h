@@ -5,6 +5,7 @@
 
 #include "platform/Log.h"
 #include "platform/Workspace.h"
+#include "platform/linux/ApplicationTable.h"
 #include "platform/linux/SleepSignal.h"
 
 typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
@@ -16,11 +17,14 @@ namespace tavrin {
 /// the default application for folders; logind for the system's sleep.
 class LinuxWorkspace final : public Workspace {
  public:
-  /// `connection` is the session bus, null when there is none. Both outlive the workspace.
-  LinuxWorkspace(GDBusConnection* connection, Log& log);
+  /// `connection` is the session bus, null when there is none. All outlive the workspace.
+  LinuxWorkspace(GDBusConnection* connection, ApplicationTable& applications, Log& log);
   ~LinuxWorkspace() override;
 
   void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override;
+
+  bool openFileWithApplication(const std::string& path,
+                               const std::string& applicationName) override;
 
   /// A bundle is a folder: it is started by the program in it that is named like the folder without
   /// its extension, or "AppRun". The launched program is no child of this one. A failure reaches
@@ -35,6 +39,7 @@ class LinuxWorkspace final : public Workspace {
   };
 
   GDBusConnection* connection_;
+  ApplicationTable& applications_;
   Log& log_;
   std::unique_ptr<GCancellable, GObjectRelease> pendingCalls_;
   SleepSignal sleepSignal_;

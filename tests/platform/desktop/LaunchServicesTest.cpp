@@ -48,7 +48,8 @@ class LaunchServicesTest : public testing::Test {
   FakeLog log_;
   FakeBundle bundle_;
   LinuxPropertyListSerialization propertyLists_;
-  LinuxLaunchServices services_{bundle_, propertyLists_, log_};
+  ApplicationTable table_{bundle_, propertyLists_, log_};
+  LinuxLaunchServices services_{table_};
 };
 
 TEST_F(LaunchServicesTest, findPackagedFlatpakAndSnapEntries) {

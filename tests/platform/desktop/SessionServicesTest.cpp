@@ -6,8 +6,10 @@
 
 #include "platform/linux/BusIntake.h"
 #include "platform/linux/LinuxDistributedNotificationCenter.h"
+#include "platform/linux/LinuxPropertyListSerialization.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "tests/platform/desktop/DesktopSession.h"
+#include "tests/support/FakeBundle.h"
 #include "tests/support/FakeLog.h"
 
 namespace tavrin {
@@ -128,11 +130,14 @@ class WorkspaceTest : public testing::Test {
   GObjectPointer<GDBusConnection> connection_ = bus_.connect();
   test::TemporaryFolder folder_;
   FakeLog log_;
+  FakeBundle bundle_;
+  LinuxPropertyListSerialization propertyLists_;
+  ApplicationTable applications_{bundle_, propertyLists_, log_};
 };
 
 TEST_F(WorkspaceTest, asksTheFileManagerToShowAFolder) {
   FakeFileManager1 fileManager(bus_);
-  LinuxWorkspace workspace(connection_.get(), log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
   workspace.selectNoFileInFileViewerRootedAtPath("/tmp/a b/\xff%?#\n/");
   workspace.selectNoFileInFileViewerRootedAtPath("/");
   ASSERT_TRUE(test::waitUntil([&] { return fileManager.calls.size() == 2; }));
@@ -144,10 +149,10 @@ TEST_F(WorkspaceTest, asksTheFileManagerToShowAFolder) {
 TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus) {
   const std::string applications = std::string(g_get_user_data_dir()) + "/applications";
   installViewer(applications, folder_ / "notes");
-  LinuxWorkspace workspace(connection_.get(), log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
   workspace.selectNoFileInFileViewerRootedAtPath("/tmp/a b");
   EXPECT_TRUE(test::waitUntil([&] { return !noteOf("notes").empty(); }));
-  LinuxWorkspace withoutBus(nullptr, log_);
+  LinuxWorkspace withoutBus(nullptr, applications_, log_);
   withoutBus.selectNoFileInFileViewerRootedAtPath("/c");
   // GIO's own connection would end this program with the test's bus.
   const GObjectPointer<GDBusConnection> shared(
@@ -160,7 +165,7 @@ TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus
 
 TEST_F(WorkspaceTest, mayEndWhileAFolderIsBeingShown) {
   {
-    LinuxWorkspace workspace(connection_.get(), log_);
+    LinuxWorkspace workspace(connection_.get(), applications_, log_);
     workspace.selectNoFileInFileViewerRootedAtPath("/tmp");
   }
   synchronize(connection_.get());
@@ -176,7 +181,7 @@ constexpr const char* noteOwnProcess =
     "mv \"${0%/*}/started.part\" \"${0%/*}/started\"\n";
 
 TEST_F(WorkspaceTest, launchesAProgramThatIsNoChildOfThisOne) {
-  LinuxWorkspace workspace(connection_.get(), log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
   test::writeFile(folder_ / "program", noteOwnProcess);
   EXPECT_TRUE(workspace.launchApplication(folder_ / "program"));
   ASSERT_TRUE(test::waitUntil([&] { return !noteOf("started").empty(); }));
@@ -197,7 +202,7 @@ TEST_F(WorkspaceTest, launchesAProgramThatIsNoChildOfThisOne) {
 }
 
 TEST_F(WorkspaceTest, launchesTheProgramOfABundle) {
-  LinuxWorkspace workspace(connection_.get(), log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
   test::writeFile(folder_ / "My Service.service/My Service", noteOwnProcess);
   test::writeFile(folder_ / "Other.app/AppRun", noteOwnProcess);
   EXPECT_TRUE(workspace.launchApplication(folder_ / "My Service.service"));
@@ -208,7 +213,7 @@ TEST_F(WorkspaceTest, launchesTheProgramOfABundle) {
 }
 
 TEST_F(WorkspaceTest, saysThatAProgramCannotBeLaunched) {
-  LinuxWorkspace workspace(connection_.get(), log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
   test::writeFile(folder_ / "plain", "not a program");
   std::string empty = folder_ / "Empty.app";
   test::writeFile(empty + "/Contents", "");
@@ -240,10 +245,13 @@ class SleepTest : public testing::Test {
   test::PrivateBus system_{"DBUS_SYSTEM_BUS_ADDRESS"};
   std::unique_ptr<test::ChildProcess> logind_;
   FakeLog log_;
+  FakeBundle bundle_;
+  LinuxPropertyListSerialization propertyLists_;
+  ApplicationTable applications_{bundle_, propertyLists_, log_};
 };
 
 TEST_F(SleepTest, isAnnouncedByLogindAlone) {
-  LinuxWorkspace workspace(nullptr, log_);
+  LinuxWorkspace workspace(nullptr, applications_, log_);
   int sleeps = 0;
   const Observation observation = workspace.observeWillSleep([&] { ++sleeps; });
   Observation ended = workspace.observeWillSleep([&] { sleeps += 100; });
@@ -269,7 +277,7 @@ TEST_F(SleepTest, isAnnouncedByLogindAlone) {
 
 TEST_F(SleepTest, isNotAnnouncedWithoutASystemBus) {
   system_.kill();
-  LinuxWorkspace workspace(nullptr, log_);
+  LinuxWorkspace workspace(nullptr, applications_, log_);
   const Observation one = workspace.observeWillSleep([] {});
   const Observation two = workspace.observeWillSleep([] {});
   EXPECT_TRUE(test::waitUntil([&] { return !log_.lines().empty(); }));

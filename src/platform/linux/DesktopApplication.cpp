@@ -1,0 +1,62 @@
+#include "platform/linux/DesktopApplication.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "foundation/FileURL.h"
+#include "platform/linux/SystemErrors.h"
+
+namespace tavrin {
+
+namespace {
+
+void becomeSessionLeader(gpointer) {
+  ::setsid();
+}
+
+/// The environment of this process without what told of its own start. An entry that is started by
+/// D-Bus has none: GIO would complain of a context without startup id when the activation fails.
+GObjectPointer<GAppLaunchContext> launchContext(GDesktopAppInfo* application) {
+  if (g_desktop_app_info_get_boolean(application, G_KEY_FILE_DESKTOP_KEY_DBUS_ACTIVATABLE) !=
+      FALSE) {
+    return nullptr;
+  }
+  GObjectPointer<GAppLaunchContext> context(g_app_launch_context_new());
+  for (const char* name : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN", "DBUS_STARTER_ADDRESS",
+                           "DBUS_STARTER_BUS_TYPE"}) {
+    g_app_launch_context_unsetenv(context.get(), name);
+  }
+  return context;
+}
+
+Status findItem(const std::string& path) {
+  if (path.find('\0') != std::string::npos) {
+    return systemError("open", path, std::errc::invalid_argument);
+  }
+  struct stat status = {};
+  if (::lstat(path.c_str(), &status) != 0) return systemError("open", path);
+  return success();
+}
+
+}  // namespace
+
+Status launchWithFile(GDesktopAppInfo* application, const std::string& path) {
+  Status found = findItem(path);
+  if (!found) return found;
+  const std::string uri = FileURL::fileURLWithPath(path).absoluteString();
+  GList uris = {const_cast<char*>(uri.c_str()), nullptr, nullptr};
+  const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL);
+  GLibError error;
+  // Without G_SPAWN_DO_NOT_REAP_CHILD GLib starts a grandchild and reaps the child between.
+  if (g_desktop_app_info_launch_uris_as_manager(
+          application, &uris, launchContext(application).get(), flags, becomeSessionLeader, nullptr,
+          nullptr, nullptr, error.slot()) == FALSE) {
+    const char* id = g_app_info_get_id(G_APP_INFO(application));
+    return systemError(
+        "launch " + std::string(id == nullptr ? "" : id) + " (" + error.message() + ") with", path,
+        std::errc::io_error);
+  }
+  return success();
+}
+
+}  // namespace tavrin

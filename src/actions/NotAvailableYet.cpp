@@ -38,12 +38,4 @@ void AppDelegate::pinbySnapvane(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 
-void AppDelegate::imageToIconSetForMac(const ActionRequest& /*request*/) {
-  notAvailableYet();
-}
-
-void AppDelegate::imageToIconSetForiOS(const ActionRequest& /*request*/) {
-  notAvailableYet();
-}
-
 }  // namespace tavrin

@@ -113,6 +113,12 @@ class AppDelegate final : public ApplicationDelegate {
                           const std::function<void(const std::string& path)>& work);
   void playResultSound(std::size_t itemCount);
 
+  /// The script that makes an icon set, from the image's path and the output folder's, both quoted.
+  using IconSetScript =
+      std::function<std::string(const std::string& image, const std::string& folder)>;
+  void makeIconSet(const ActionRequest& request, const std::string& suffix,
+                   const IconSetScript& scriptFor);
+
   Platform& platform_;
   const DefaultSettings& defaultSettings_;
   PreferencesWindowFactory makePreferencesWindow_;

@@ -12,6 +12,7 @@
 #include "platform/OpenPanel.h"
 #include "platform/PropertyListSerialization.h"
 #include "platform/SecurityScope.h"
+#include "platform/Shell.h"
 #include "platform/Sound.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemCapabilities.h"
@@ -40,6 +41,7 @@ struct Platform {
   LaunchServices& launchServices;
   LoginItems& loginItems;
   DistributedNotificationCenter& distributedNotifications;
+  Shell& shell;
 };
 
 }  // namespace tavrin

@@ -10,6 +10,7 @@
 #include "tests/support/FakeMainLoop.h"
 #include "tests/support/FakePropertyLists.h"
 #include "tests/support/FakeSecurityScope.h"
+#include "tests/support/FakeShell.h"
 #include "tests/support/FakeUserDefaults.h"
 
 namespace tavrin {
@@ -44,6 +45,7 @@ struct FakePlatform {
   FakeLaunchServices launchServices;
   FakeLoginItems loginItems;
   FakeDistributedNotifications distributedNotifications;
+  FakeShell shell;
 
   Platform platform{log,
                     mainLoop,
@@ -61,7 +63,8 @@ struct FakePlatform {
                     workspace,
                     launchServices,
                     loginItems,
-                    distributedNotifications};
+                    distributedNotifications,
+                    shell};
 };
 
 }  // namespace tavrin

@@ -15,6 +15,7 @@
 #include "platform/linux/LinuxMainLoop.h"
 #include "platform/linux/LinuxPropertyListSerialization.h"
 #include "platform/linux/LinuxSecurityScope.h"
+#include "platform/linux/LinuxShell.h"
 #include "platform/linux/LinuxSound.h"
 #include "platform/linux/LinuxStatusItem.h"
 #include "platform/linux/LinuxSystemCapabilities.h"
@@ -53,6 +54,7 @@ struct LinuxPlatform::Services {
   LinuxLaunchServices launchServices;
   LinuxLoginItems loginItems;
   LinuxDistributedNotificationCenter distributedNotifications;
+  LinuxShell shell;
   LinuxApplication application;
   std::unique_ptr<UserDefaults> standardUserDefaults;
   LinuxAppearance appearance;
@@ -77,6 +79,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       launchServices(applications),
       loginItems(log),
       distributedNotifications(intake.connection(), log),
+      shell(securityScope.startedScopes(), log, bundle.builtInPlugInsPath()),
       application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
       appearance([this](bool isDark) { appearanceChanged(isDark); }),
@@ -98,7 +101,8 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                workspace,
                launchServices,
                loginItems,
-               distributedNotifications} {
+               distributedNotifications,
+               shell} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
 }
 

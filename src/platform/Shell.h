@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+
+#include "foundation/Result.h"
+
+namespace tavrin {
+
+/// Runs shell scripts, as the C library's system().
+class Shell {
+ public:
+  virtual ~Shell() = default;
+
+  /// Runs `script` by the standard shell and waits for its end. Command names are looked up in the
+  /// folder of the program's own tools first, then in the system's.
+  ///
+  /// The script, and whatever it starts, can change nothing but what lies below `writableFolder`
+  /// (an absolute path, covered by a started security scope), reads little else than programs and
+  /// their libraries, and reaches neither the network nor another process. Names of files enter
+  /// scripts with no more than blanks and parentheses escaped, so a script is not trusted. What of
+  /// this the running system cannot enforce is told to the log once.
+  ///
+  /// Returns the shell's exit status; 128 and the signal's number when a signal ended it. Fails
+  /// when the script could not be started: with permission_denied when no scope covers the folder,
+  /// with invalid_argument for a script with a NUL byte, else with the system's cause. What the
+  /// script prints to its standard error goes to the program's own.
+  virtual Result<int> system(const std::string& script, const std::string& writableFolder) = 0;
+};
+
+}  // namespace tavrin

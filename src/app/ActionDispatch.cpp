@@ -2,8 +2,8 @@
 #include <string_view>
 #include <utility>
 
-#include "app/ActionNames.h"
 #include "app/AppDelegate.h"
+#include "foundation/ActionNames.h"
 
 namespace tavrin {
 

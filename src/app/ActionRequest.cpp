@@ -1,16 +1,12 @@
 #include "app/ActionRequest.h"
 
-#include <array>
 #include <utility>
+
+#include "foundation/FileURL.h"
 
 namespace tavrin {
 
 namespace {
-
-constexpr std::array<const char*, 8> stringKeys = {
-    request_key::action,          request_key::path,         request_key::selectedFilesUrl,
-    request_key::toPath,          request_key::selectedFile, request_key::file,
-    request_key::cuttingFilesURL, request_key::pasteInPath};
 
 SystemError wrongKind(const std::string& operation, const std::string& key) {
   return {operation, key, std::make_error_code(std::errc::invalid_argument)};
@@ -22,7 +18,7 @@ ActionRequest::ActionRequest(PropertyList content) : content_(std::move(content)
 
 Result<ActionRequest> ActionRequest::requestWithPropertyList(PropertyList content) {
   if (!content.isDictionary()) return wrongKind("expect a dictionary at", "the root");
-  for (const char* key : stringKeys) {
+  for (const char* key : request_key::strings) {
     const PropertyList* value = content.find(key);
     if (value != nullptr && !value->isString()) return wrongKind("expect a string for", key);
   }
@@ -42,6 +38,10 @@ std::optional<std::string> ActionRequest::stringForKey(const char* key) const {
 std::int64_t ActionRequest::tag() const {
   const PropertyList* value = content_.find(request_key::tag);
   return value == nullptr ? 0 : value->integerValue();
+}
+
+std::vector<std::string_view> fileListItems(const std::optional<std::string>& selection) {
+  return selection ? splitFileList(*selection) : std::vector<std::string_view>();
 }
 
 }  // namespace tavrin

@@ -2,7 +2,7 @@
 #include <string>
 #include <vector>
 
-#include "app/ActionNames.h"
+#include "foundation/ActionNames.h"
 #include "tests/core/HostFixture.h"
 
 namespace tavrin {
@@ -22,8 +22,8 @@ class Dispatch : public HostFixture {
 };
 
 TEST_F(Dispatch, ComparesActionsExactly) {
-  EXPECT_EQ(logOf("unHiddenSelectedFiles"), Lines{"not available yet: unHiddenSelectedFiles"});
-  EXPECT_EQ(logOf("unhiddenAllFilesInPath"), Lines{"not available yet: unhiddenAllFilesInPath"});
+  EXPECT_EQ(logOf("unHiddenSelectedFiles"), Lines{"unHiddenSelectedFiles: no items given"});
+  EXPECT_EQ(logOf("unhiddenAllFilesInPath"), Lines{"unhiddenAllFilesInPath: no folder given"});
   for (const char* unknown : {"unhiddenSelectedFiles", "UnhiddenAllFilesInPath", "CopyFilesTo",
                               "copyFilesTo ", "", "rm -rf"}) {
     EXPECT_EQ(logOf(unknown), Lines{}) << unknown;

@@ -6,8 +6,21 @@
 #include <cerrno>
 #include <cstdint>
 #include <system_error>
+#include <utility>
+
+#include "platform/linux/LinuxPropertyListSerialization.h"
 
 namespace tavrin {
+
+namespace {
+
+using Contents = Result<PropertyList::Data>;
+
+std::size_t sizeOf(const Contents& contents) {
+  return contents ? contents.value().size() : 0;
+}
+
+}  // namespace
 
 AcceptedRequests::AcceptedRequests()
     : ready_(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK | EFD_SEMAPHORE)) {
@@ -15,12 +28,25 @@ AcceptedRequests::AcceptedRequests()
   if (!ready_) throw std::system_error(errno, std::generic_category(), "eventfd");
 }
 
-void AcceptedRequests::push(const std::vector<ExternalRequest>& requests) {
-  if (requests.empty()) return;
+bool AcceptedRequests::push(const std::vector<ExternalRequest>& requests) {
+  if (requests.empty()) return true;
+  std::vector<std::pair<std::string, Contents>> files;
+  std::size_t bytes = 0;
+  for (const ExternalRequest& request : requests) {
+    if (request.kind != ExternalRequest::Kind::Open) continue;
+    files.emplace_back(request.path, contentsOfPropertyListFile(request.path));
+    bytes += sizeOf(files.back().second);
+    if (bytes > maximumWaitingBytes) return false;
+  }
+
   const std::lock_guard lock(mutex_);
+  if (bytes > maximumWaitingBytes - waitingBytes_) return false;
+  waitingBytes_ += bytes;
+  for (auto& [path, contents] : files) contents_[path].push_back(std::move(contents));
   requests_.insert(requests_.end(), requests.begin(), requests.end());
   const std::uint64_t added = requests.size();
   [[maybe_unused]] const ssize_t written = ::write(ready_.get(), &added, sizeof added);
+  return true;
 }
 
 std::optional<ExternalRequest> AcceptedRequests::take() {
@@ -31,6 +57,17 @@ std::optional<ExternalRequest> AcceptedRequests::take() {
   ExternalRequest request = std::move(requests_.front());
   requests_.pop_front();
   return request;
+}
+
+std::optional<Contents> AcceptedRequests::takeContents(const std::string& path) {
+  const std::lock_guard lock(mutex_);
+  const auto waiting = contents_.find(path);
+  if (waiting == contents_.end()) return std::nullopt;
+  Contents contents = std::move(waiting->second.front());
+  waitingBytes_ -= sizeOf(contents);
+  waiting->second.pop_front();
+  if (waiting->second.empty()) contents_.erase(waiting);
+  return contents;
 }
 
 std::size_t AcceptedRequests::size() const {

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "foundation/PropertyList.h"
+#include "foundation/Result.h"
 #include "platform/linux/FileDescriptor.h"
 
 namespace tavrin {
@@ -26,15 +29,27 @@ struct ExternalRequest {
 };
 
 /// The line in which accepted requests wait for the main thread. Any thread may use it.
+///
+/// What the files of accepted requests hold is read before they are accepted, so that the caller
+/// may remove or rewrite a file as soon as it has its answer, however long the request waits.
 class AcceptedRequests {
  public:
+  /// Bytes of files that wait to be handled, at most.
+  static constexpr std::size_t maximumWaitingBytes = 256U << 20U;
+
   AcceptedRequests();
 
-  /// Adds requests at the end; they stay together.
-  void push(const std::vector<ExternalRequest>& requests);
+  /// Reads the files to be opened and adds the requests at the end; they stay together. A file that
+  /// cannot be read is accepted, with the cause as what it holds. False, with nothing added, when
+  /// the files would exceed maximumWaitingBytes.
+  [[nodiscard]] bool push(const std::vector<ExternalRequest>& requests);
 
   /// The request at the head of the line, which leaves it; nothing when the line is empty.
   std::optional<ExternalRequest> take();
+
+  /// What an accepted file held, each time the path was accepted once and in that order; nothing
+  /// when it is not among the accepted ones.
+  std::optional<Result<PropertyList::Data>> takeContents(const std::string& path);
 
   std::size_t size() const;
 
@@ -45,6 +60,8 @@ class AcceptedRequests {
  private:
   mutable std::mutex mutex_;
   std::deque<ExternalRequest> requests_;
+  std::map<std::string, std::deque<Result<PropertyList::Data>>> contents_;
+  std::size_t waitingBytes_ = 0;
   FileDescriptor ready_;
 };
 

@@ -3,13 +3,10 @@
 #include <gio/gio.h>
 
 #include "platform/Log.h"
+#include "platform/linux/ApplicationObject.h"
 #include "platform/linux/BusIntake.h"
 
 namespace tavrin {
-
-/// The program's object on the bus.
-inline constexpr const char* applicationObjectPath = "/app/tavrin/Tavrin";
-inline constexpr const char* applicationInterface = "org.freedesktop.Application";
 
 enum class HandOver {
   Accepted,

@@ -90,8 +90,9 @@ struct BusIntake::State {
   void stop();
 
   void handle(std::string_view method, GVariant* arguments, GDBusMethodInvocation* invocation);
-  void acceptOpen(GVariant* arguments);
+  bool acceptOpen(GVariant* arguments);
   bool acceptAction(std::string_view action);
+  void accept(const ExternalRequest& request);
 
   static void onMethodCall(GDBusConnection*, const char*, const char*, const char*,
                            const char* method, GVariant* arguments,
@@ -100,7 +101,7 @@ struct BusIntake::State {
   }
   static void onClosed(GDBusConnection*, gboolean, GError*, gpointer state) {
     static_cast<State*>(state)->log.write("the session bus has gone");
-    static_cast<State*>(state)->accepted.push({{ExternalRequest::Kind::Terminate}});
+    static_cast<State*>(state)->accept({ExternalRequest::Kind::Terminate});
   }
   static gboolean onStop(gpointer state) {
     static_cast<State*>(state)->releaseName();
@@ -186,7 +187,12 @@ void BusIntake::State::acceptLaunch(const Launch& launch) {
   for (const std::string& file : launch.files) {
     requests.push_back({ExternalRequest::Kind::Open, file});
   }
-  accepted.push(requests);
+  if (!accepted.push(requests)) log.write("cannot open so many large files at once");
+}
+
+/// For requests without files, which are never too many.
+void BusIntake::State::accept(const ExternalRequest& request) {
+  [[maybe_unused]] const bool isAccepted = accepted.push({request});
 }
 
 void BusIntake::State::serve() {
@@ -203,9 +209,13 @@ void BusIntake::State::serve() {
 void BusIntake::State::handle(std::string_view method, GVariant* arguments,
                               GDBusMethodInvocation* invocation) {
   if (method == "Activate") {
-    accepted.push({{ExternalRequest::Kind::Reopen}});
+    accept({ExternalRequest::Kind::Reopen});
   } else if (method == "Open") {
-    acceptOpen(arguments);
+    if (!acceptOpen(arguments)) {
+      g_dbus_method_invocation_return_error(invocation, G_DBUS_ERROR, G_DBUS_ERROR_LIMITS_EXCEEDED,
+                                            "Too many large files wait to be opened");
+      return;
+    }
   } else {
     const char* action = nullptr;
     g_variant_get_child(arguments, 0, "&s", &action);
@@ -218,7 +228,7 @@ void BusIntake::State::handle(std::string_view method, GVariant* arguments,
   g_dbus_method_invocation_return_value(invocation, nullptr);
 }
 
-void BusIntake::State::acceptOpen(GVariant* arguments) {
+bool BusIntake::State::acceptOpen(GVariant* arguments) {
   const GLibPointer<GVariant> uris(g_variant_get_child_value(arguments, 0));
   std::vector<ExternalRequest> requests;
   for (gsize index = 0; index < g_variant_n_children(uris.get()); ++index) {
@@ -231,13 +241,13 @@ void BusIntake::State::acceptOpen(GVariant* arguments) {
       log.write("cannot open what is no file: " + std::string(uri));
     }
   }
-  accepted.push(requests);
+  return accepted.push(requests);
 }
 
 bool BusIntake::State::acceptAction(std::string_view action) {
   const bool isQuit = action == "quit";
   if (!isQuit && action != "preferences") return false;
-  accepted.push({{isQuit ? ExternalRequest::Kind::Terminate : ExternalRequest::Kind::Reopen}});
+  accept({isQuit ? ExternalRequest::Kind::Terminate : ExternalRequest::Kind::Reopen});
   return true;
 }
 

@@ -38,6 +38,10 @@ std::string userDataDirectory() {
   return baseDirectory("XDG_DATA_HOME", ".local/share");
 }
 
+std::string userCacheDirectory() {
+  return baseDirectory("XDG_CACHE_HOME", ".cache");
+}
+
 std::string userRuntimeDirectory() {
   const std::string directory = environmentVariable("XDG_RUNTIME_DIR");
   return directory.empty() || directory.front() != '/' ? std::string()

@@ -10,6 +10,7 @@ namespace tavrin {
 /// variable that is unset, empty or relative gives the default below the account's home.
 std::string userConfigDirectory();
 std::string userDataDirectory();
+std::string userCacheDirectory();
 
 /// $XDG_RUNTIME_DIR; "" when it is not set.
 std::string userRuntimeDirectory();

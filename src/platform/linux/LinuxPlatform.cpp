@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "foundation/PathString.h"
+#include "platform/linux/AcceptedPropertyLists.h"
 #include "platform/linux/LinuxAlert.h"
 #include "platform/linux/LinuxAppearance.h"
 #include "platform/linux/LinuxApplication.h"
@@ -13,12 +14,13 @@
 #include "platform/linux/LinuxLaunchServices.h"
 #include "platform/linux/LinuxLoginItems.h"
 #include "platform/linux/LinuxMainLoop.h"
-#include "platform/linux/LinuxPropertyListSerialization.h"
+#include "platform/linux/LinuxPasteboard.h"
 #include "platform/linux/LinuxSecurityScope.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/LinuxSound.h"
 #include "platform/linux/LinuxStatusItem.h"
 #include "platform/linux/LinuxSystemCapabilities.h"
+#include "platform/linux/LinuxUniformTypes.h"
 #include "platform/linux/LinuxUserDefaultsProvider.h"
 #include "platform/linux/LinuxWorkspace.h"
 #include "platform/linux/panel/LinuxOpenPanel.h"
@@ -42,7 +44,7 @@ struct LinuxPlatform::Services {
   LinuxBundle bundle;
   LinuxSystemCapabilities capabilities;
   LinuxUserDefaultsProvider userDefaults;
-  LinuxPropertyListSerialization propertyLists;
+  AcceptedPropertyLists propertyLists;
   LinuxSecurityScope securityScope;
   LinuxFileManager fileManager;
   LinuxPanelProvider panels;
@@ -54,6 +56,8 @@ struct LinuxPlatform::Services {
   LinuxLaunchServices launchServices;
   LinuxLoginItems loginItems;
   LinuxDistributedNotificationCenter distributedNotifications;
+  LinuxPasteboardProvider pasteboards;
+  LinuxUniformTypes uniformTypes;
   LinuxShell shell;
   LinuxApplication application;
   std::unique_ptr<UserDefaults> standardUserDefaults;
@@ -69,6 +73,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                                   TerminationSignals& signalsToEnd, Log& systemLog)
     : log(systemLog),
       userDefaults(log),
+      propertyLists(accepted),
       securityScope(LinuxSecurityScope::standardLocations(bundle.resourcePath()), log),
       fileManager(securityScope, log),
       panels([this](const auto& picked) { securityScope.grantByPicking(picked); }),
@@ -102,6 +107,8 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                launchServices,
                loginItems,
                distributedNotifications,
+               pasteboards,
+               uniformTypes,
                shell} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
 }

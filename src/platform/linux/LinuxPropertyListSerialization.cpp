@@ -48,21 +48,6 @@ Result<PropertyList::Data> readAll(int descriptor, const std::string& path, std:
   return data;
 }
 
-Result<PropertyList::Data> contentsOfRegularFile(const std::string& path) {
-  // Without O_NONBLOCK the opening of a pipe would wait for its writer.
-  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
-  if (!file) return lastError("open", path);
-  struct stat status {};
-  if (::fstat(file.get(), &status) != 0) return lastError("stat", path);
-  if (S_ISDIR(status.st_mode)) return failure("read", path, std::errc::is_a_directory);
-  if (!S_ISREG(status.st_mode)) return failure("read", path, std::errc::invalid_argument);
-  const auto size = static_cast<std::uint64_t>(status.st_size);
-  if (size > PropertyListSerialization::maximumFileSize) {
-    return failure("read", path, std::errc::file_too_large);
-  }
-  return readAll(file.get(), path, static_cast<std::size_t>(size));
-}
-
 }  // namespace
 
 Result<PropertyList> LinuxPropertyListSerialization::propertyListFromData(
@@ -80,13 +65,33 @@ Result<PropertyList::Data> LinuxPropertyListSerialization::dataFromPropertyList(
   return std::move(*data);
 }
 
-Result<PropertyList> LinuxPropertyListSerialization::propertyListWithContentsOfFile(
-    const std::string& path) {
-  const auto data = contentsOfRegularFile(path);
-  if (!data) return data.error();
-  auto value = parsed(data.value());
+Result<PropertyList::Data> contentsOfPropertyListFile(const std::string& path) {
+  // Without O_NONBLOCK the opening of a pipe would wait for its writer.
+  const FileDescriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
+  if (!file) return lastError("open", path);
+  struct stat status {};
+  if (::fstat(file.get(), &status) != 0) return lastError("stat", path);
+  if (S_ISDIR(status.st_mode)) return failure("read", path, std::errc::is_a_directory);
+  if (!S_ISREG(status.st_mode)) return failure("read", path, std::errc::invalid_argument);
+  const auto size = static_cast<std::uint64_t>(status.st_size);
+  if (size > PropertyListSerialization::maximumFileSize) {
+    return failure("read", path, std::errc::file_too_large);
+  }
+  return readAll(file.get(), path, static_cast<std::size_t>(size));
+}
+
+Result<PropertyList> propertyListFromContentsOfFile(const PropertyList::Data& contents,
+                                                    const std::string& path) {
+  auto value = parsed(contents);
   if (!value) return failure("parse", path, std::errc::invalid_argument);
   return std::move(*value);
+}
+
+Result<PropertyList> LinuxPropertyListSerialization::propertyListWithContentsOfFile(
+    const std::string& path) {
+  const auto contents = contentsOfPropertyListFile(path);
+  if (!contents) return contents.error();
+  return propertyListFromContentsOfFile(contents.value(), path);
 }
 
 }  // namespace tavrin

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
 
 #include "platform/linux/BusIntake.h"
 #include "platform/linux/GLibPointers.h"
@@ -94,6 +95,49 @@ TEST_F(BusIntakeTest, answersAtOnceWhileTheMainThreadTakesNothing) {
                                               ExternalRequest{Kind::Open, "/tmp/\xff\n"}));
   EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("https://example.org/x"), HasSubstr("/no/url"),
                                         HasSubstr("file:///bad%2")));
+}
+
+TEST_F(BusIntakeTest, readsAFileBeforeItAnswers) {
+  ASSERT_EQ(intake_.start({}), Outcome::Primary);
+  intake_.serve();
+  const test::TemporaryFolder folder;
+  const std::string path = folder / "request";
+  const std::string uri = "file://" + path;
+  for (const char* contents : {"first", "second"}) {
+    test::writeFile(path, contents);
+    ASSERT_EQ(call(caller_.get(), "Open", openArguments({uri})), "");
+  }
+  std::filesystem::remove(path);
+  ASSERT_EQ(call(caller_.get(), "Open", openArguments({uri})), "");
+
+  const auto takeText = [&] {
+    const auto contents = accepted_.takeContents(path);
+    if (!contents || !*contents) return std::string("none");
+    return std::string(contents->value().begin(), contents->value().end());
+  };
+  EXPECT_EQ(takeText(), "first");
+  EXPECT_EQ(takeText(), "second");
+  const auto missing = accepted_.takeContents(path);
+  ASSERT_TRUE(missing && !*missing);
+  EXPECT_EQ(missing->error().code, std::errc::no_such_file_or_directory);
+  EXPECT_FALSE(accepted_.takeContents(path));
+}
+
+TEST_F(BusIntakeTest, refusesMoreThanItCanKeepUntilSomeIsTaken) {
+  ASSERT_EQ(intake_.start({}), Outcome::Primary);
+  intake_.serve();
+  const test::TemporaryFolder folder;
+  const std::string path = folder / "large";
+  test::writeFile(path, "");
+  std::filesystem::resize_file(path, 60U << 20U);
+  const std::string uri = "file://" + path;
+  for (int number = 0; number < 4; ++number) {
+    ASSERT_EQ(call(caller_.get(), "Open", openArguments({uri})), "");
+  }
+  EXPECT_THAT(call(caller_.get(), "Open", openArguments({uri})), HasSubstr("Too many"));
+  EXPECT_THAT(takeAll(accepted_), SizeIs(4));
+  EXPECT_TRUE(accepted_.takeContents(path));
+  EXPECT_EQ(call(caller_.get(), "Open", openArguments({uri})), "");
 }
 
 TEST_F(BusIntakeTest, takesActivationsAndActionsAndRefusesAnUnknownAction) {

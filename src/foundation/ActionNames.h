@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 /// The commands that a request can name, compared exactly. The two that undo hiding differ in the
 /// case of one letter.
 namespace tavrin::action_name {
@@ -29,5 +31,21 @@ inline constexpr const char* openFileInEmacs = "openFileInEmacs";
 inline constexpr const char* pinbySnapvane = "pinbySnapvane";
 inline constexpr const char* imageToIconSetForMac = "imageToIconSetForMac";
 inline constexpr const char* imageToIconSetForiOS = "imageToIconSetForiOS";
+
+/// All of them, in the order in which a request's command is compared with them.
+inline constexpr std::array<const char*, 25> all = {
+    createNewFile,         copyFilesTo,
+    moveFilesTo,           copyFilesToCustom,
+    moveFilesToCustom,     customIcon,
+    openCommonPath,        cutSelectedFiles,
+    pasteSelectedFiles,    hiddenSelectedFiles,
+    unHiddenSelectedFiles, deleteDirectlySelectedFiles,
+    hiddenAllFilesInPath,  unhiddenAllFilesInPath,
+    openInVSCode,          openInIDEA,
+    openInSublimeText,     openInEmacs,
+    openFileInVSCode,      openFileInIDEA,
+    openFileInSublimeText, openFileInEmacs,
+    pinbySnapvane,         imageToIconSetForMac,
+    imageToIconSetForiOS};
 
 }  // namespace tavrin::action_name

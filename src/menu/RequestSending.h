@@ -1,0 +1,31 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+#include "foundation/PropertyList.h"
+#include "foundation/Result.h"
+
+/// The way of a request to the host. Nothing here throws, for it runs in other programs' processes.
+namespace tavrin {
+
+/// How long the host may take to accept a request, its start included.
+inline constexpr std::chrono::milliseconds patienceWithHost{60000};
+
+/// Called once, with success or the reason why the host did not accept the request.
+using RequestCompletion = std::function<void(const Status&)>;
+
+/// Writes a request file (see writeRequestFile), asks the session bus to open it with the host,
+/// which is started if need be, and waits for its answer, at most `patience` once the bus is
+/// reached. The host has read the file when it answers, so the file is gone when this returns;
+/// carrying the request out comes later. The bus connection is one of its own, whose end means
+/// nothing to the process.
+Status sendRequest(const PropertyList& request,
+                   std::chrono::milliseconds patience = patienceWithHost) noexcept;
+
+/// The same without waiting: all of it happens on another thread. `completion` is called in the
+/// thread-default main context (GLib's) of the calling thread, not before this returns. An
+/// exception of `completion` is dropped.
+void sendRequestAsync(PropertyList request, RequestCompletion completion) noexcept;
+
+}  // namespace tavrin

@@ -14,23 +14,18 @@ void AppDelegate::customIcon(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 
-void AppDelegate::cutSelectedFiles(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 
-void AppDelegate::pasteSelectedFiles(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 
-void AppDelegate::hiddenSelectedFiles(const ActionRequest& /*request*/, IsHidden /*isHidden*/) {
   notAvailableYet();
 }
 
-void AppDelegate::hiddenAllFilesInPath(const ActionRequest& /*request*/, IsHidden /*isHidden*/) {
   notAvailableYet();
 }
 
-void AppDelegate::deleteDirectlySelectedFiles(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 

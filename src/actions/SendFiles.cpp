@@ -8,15 +8,6 @@
 
 namespace tavrin {
 
-namespace {
-
-/// The pieces of a selection; an absent one has none. They point into `selection`.
-std::vector<std::string_view> piecesOf(const std::optional<std::string>& selection) {
-  return selection ? splitFileList(*selection) : std::vector<std::string_view>();
-}
-
-}  // namespace
-
 void AppDelegate::sendItem(const std::string& sourcePath, const std::string& destinationFolder,
                            IsCopy isCopy) {
   const std::string destination =
@@ -42,7 +33,7 @@ void AppDelegate::accessParentOfItem(std::string_view urlString,
 void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
   const auto selection = request.stringForKey(request_key::selectedFilesUrl);
   const auto toPath = request.stringForKey(request_key::toPath);
-  const auto items = piecesOf(selection);
+  const auto items = fileListItems(selection);
   if (!toPath && !items.empty()) logFailure("no destination given");
   const std::string folder = expandingHome(toPath.value_or(""), homePath());
 
@@ -55,7 +46,7 @@ void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
       if (!granted) logFailure("no access to " + folder);
     });
   }
-  playResultSound(items.size());
+  playResultSound(items.size(), successSound_);
 }
 
 void AppDelegate::sendFilesToCustom(const ActionRequest& request, IsCopy isCopy) {
@@ -67,7 +58,7 @@ void AppDelegate::sendFilesToCustom(const ActionRequest& request, IsCopy isCopy)
        action = actionInHand_->name(), hold = requests_.hold()](const std::vector<FileURL>& urls) {
         if (urls.empty()) return;
         const ActionInHand inHand(platform_.log, actionInHand_, action);
-        sendItemsToChosenFolder(piecesOf(selection), urls.front().path(), isCopy);
+        sendItemsToChosenFolder(fileListItems(selection), urls.front().path(), isCopy);
       });
 }
 
@@ -77,7 +68,7 @@ void AppDelegate::sendItemsToChosenFolder(const std::vector<std::string_view>& i
   for (const std::string_view item : items) {
     accessParentOfItem(item, [&](const std::string& source) { sendItem(source, folder, isCopy); });
   }
-  playResultSound(items.size());
+  playResultSound(items.size(), successSound_);
 }
 
 }  // namespace tavrin

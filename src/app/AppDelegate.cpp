@@ -188,9 +188,9 @@ void AppDelegate::logFailure(const std::string& reason) {
   actionInHand_->logFailure(reason);
 }
 
-void AppDelegate::playResultSound(std::size_t itemCount) {
-  const bool allDone = itemCount == static_cast<std::size_t>(successCounter_);
-  if (const auto& sound = allDone ? successSound_ : failureSound_) sound->play();
+void AppDelegate::playResultSound(std::size_t itemCount, const std::unique_ptr<Sound>& allDone) {
+  const bool isAllDone = itemCount == static_cast<std::size_t>(successCounter_);
+  if (const auto& sound = isAllDone ? allDone : failureSound_) sound->play();
 }
 
 }  // namespace tavrin

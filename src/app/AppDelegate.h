@@ -22,6 +22,8 @@ namespace tavrin {
 
 enum class IsCopy { No, Yes };
 
+class FolderAccess;
+
 /// The host's one long-lived object: it owns what every command shares, leads the program from its
 /// launch to its end, and carries out requests. Each command is a method named after its action,
 /// defined in src/actions. Used on the main thread.
@@ -101,6 +103,11 @@ class AppDelegate final : public ApplicationDelegate {
 
   // What the commands share with each other (src/actions).
   std::string homePath() const;
+  /// The items of a selection, a file list string; of a piece that is no file URL only the log
+  /// hears.
+  std::vector<FileURL> urlsOfItems(const std::string& selection);
+  bool isImage(const std::string& path) const;
+  void handOverForPinning(std::vector<FileURL> urls);
   bool itemExists(const std::string& path) const;
   /// One line that names the action in hand.
   void logFailure(const std::string& reason);
@@ -111,7 +118,18 @@ class AppDelegate final : public ApplicationDelegate {
   /// item or a grant only the log hears of it.
   void accessParentOfItem(std::string_view urlString,
                           const std::function<void(const std::string& path)>& work);
-  void playResultSound(std::size_t itemCount);
+  /// Runs `work` with the path of an item inside a grant of the folder that its URL names. Without
+  /// an item or a grant only the log hears of it.
+  void accessFolderOfItem(FolderAccess& folders, std::string_view item,
+                          const std::function<void(const std::string& path)>& work);
+  void setHidden(const std::string& path, IsHidden isHidden);
+  void setHiddenOfItems(FolderAccess& folders, const std::optional<std::string>& selection,
+                        IsHidden isHidden);
+  void setHiddenOfFolder(const std::string& folder, IsHidden isHidden);
+  void pasteItem(FolderAccess& folders, std::string_view item, const std::string& folder);
+  bool mayDeleteDirectly();
+  /// Plays `allDone` when the counter has reached `itemCount`, else the failure sound.
+  void playResultSound(std::size_t itemCount, const std::unique_ptr<Sound>& allDone);
 
   /// The script that makes an icon set, from the image's path and the output folder's, both quoted.
   using IconSetScript =

@@ -21,6 +21,8 @@ class Alert {
   /// The title line; may stay empty.
   virtual void setMessageText(const std::string& text) = 0;
   virtual void setInformativeText(const std::string& text) = 0;
+  /// The picture beside the texts, a PNG file; without one the style has its own.
+  virtual void setIconWithContentsOfFile(const std::string& path) = 0;
   /// Buttons in order of addition. Return presses the first; Escape the one titled as the localised
   /// "Cancel", where there is one.
   virtual void addButtonWithTitle(const std::string& title) = 0;

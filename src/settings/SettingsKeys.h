@@ -34,6 +34,9 @@ inline constexpr const char* enableImageToIconInMac = "enableImageToIconInMac";
 inline constexpr const char* hiddenIconInStatusBar = "hiddenIconInStatusBar";
 inline constexpr const char* enableTextService = "enableTextService";
 
+// Kept in the shared suite alone: the items of the most recent cut, a file list string.
+inline constexpr const char* filesUrlOfCutting = "filesUrlOfCutting";
+
 // Kept in the standard store alone. The folders are paths; an absent one means the desktop.
 inline constexpr const char* enableAllOfCreateNewFiles = "enableAllOfCreateNewFiles";
 inline constexpr const char* enableAllOfCustomIcon = "enableAllOfCustomIcon";

@@ -17,6 +17,7 @@ struct ShownAlert {
   std::string messageText;
   std::string informativeText;
   std::vector<std::string> buttons;
+  std::string icon;
   bool isSheet = false;
   Window* window = nullptr;
 };
@@ -42,6 +43,7 @@ class FakeAlerts final : public AlertProvider {
     void setAlertStyle(Style style) override { setup_.style = style; }
     void setMessageText(const std::string& text) override { setup_.messageText = text; }
     void setInformativeText(const std::string& text) override { setup_.informativeText = text; }
+    void setIconWithContentsOfFile(const std::string& path) override { setup_.icon = path; }
     void addButtonWithTitle(const std::string& title) override { setup_.buttons.push_back(title); }
 
     int runModal() override { return alerts_.answer(setup_); }

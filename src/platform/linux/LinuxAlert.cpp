@@ -1,8 +1,11 @@
 #include "platform/linux/LinuxAlert.h"
 
 #include <QCoreApplication>
+#include <QFile>
+#include <QIcon>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStyle>
 #include <algorithm>
 
 #include "platform/linux/ApplicationIcon.h"
@@ -41,6 +44,10 @@ void LinuxAlert::setInformativeText(const std::string& text) {
   informativeText_ = displayText(text);
 }
 
+void LinuxAlert::setIconWithContentsOfFile(const std::string& path) {
+  iconFile_ = QFile::decodeName(path.c_str());
+}
+
 void LinuxAlert::addButtonWithTitle(const std::string& title) {
   buttonTitles_.push_back(displayText(title));
 }
@@ -68,6 +75,10 @@ int LinuxAlert::run(QWidget* parent) {
   ensureApplicationIcon();
   QMessageBox box(parent);
   box.setIcon(iconOfStyle(style_));
+  if (const QIcon icon(iconFile_); !icon.isNull()) {
+    const int size = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize, nullptr, &box);
+    box.setIconPixmap(icon.pixmap(QSize(size, size), box.devicePixelRatio()));
+  }
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setTextFormat(Qt::PlainText);
   box.setText(messageText_.isEmpty() ? informativeText_ : messageText_);

@@ -15,6 +15,7 @@ class LinuxAlert final : public Alert {
   void setAlertStyle(Style style) override { style_ = style; }
   void setMessageText(const std::string& text) override;
   void setInformativeText(const std::string& text) override;
+  void setIconWithContentsOfFile(const std::string& path) override;
   void addButtonWithTitle(const std::string& title) override;
   int runModal() override;
   int runModalAsSheet(Window* window) override;
@@ -26,6 +27,7 @@ class LinuxAlert final : public Alert {
   Style style_ = Style::Warning;
   QString messageText_;
   QString informativeText_;
+  QString iconFile_;
   std::vector<QString> buttonTitles_;
 };
 

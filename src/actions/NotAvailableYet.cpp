@@ -29,8 +29,4 @@ void AppDelegate::customIcon(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 
-void AppDelegate::pinbySnapvane(const ActionRequest& /*request*/) {
-  notAvailableYet();
-}
-
 }  // namespace tavrin

@@ -10,12 +10,14 @@
 #include "platform/LoginItems.h"
 #include "platform/MainLoop.h"
 #include "platform/OpenPanel.h"
+#include "platform/Pasteboard.h"
 #include "platform/PropertyListSerialization.h"
 #include "platform/SecurityScope.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
 #include "platform/StatusItem.h"
 #include "platform/SystemCapabilities.h"
+#include "platform/UniformTypes.h"
 #include "platform/UserDefaults.h"
 #include "platform/Workspace.h"
 
@@ -41,6 +43,8 @@ struct Platform {
   LaunchServices& launchServices;
   LoginItems& loginItems;
   DistributedNotificationCenter& distributedNotifications;
+  PasteboardProvider& pasteboards;
+  UniformTypes& uniformTypes;
   Shell& shell;
 };
 

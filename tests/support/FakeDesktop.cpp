@@ -117,6 +117,12 @@ void FakeDistributedNotifications::postNotificationName(const std::string& name)
   }
 }
 
+void FakeDistributedNotifications::postNotificationWithOptions(const std::string& name,
+                                                               NotificationOptions posting) {
+  options.push_back(posting);
+  postNotificationName(name);
+}
+
 Observation FakeDistributedNotifications::addObserver(const std::string& name,
                                                       std::function<void()> received) {
   auto observer = std::make_shared<std::function<void()>>(std::move(received));

@@ -136,9 +136,12 @@ class FakeLaunchServices final : public LaunchServices {
 class FakeDistributedNotifications final : public DistributedNotificationCenter {
  public:
   void postNotificationName(const std::string& name) override;
+  void postNotificationWithOptions(const std::string& name, NotificationOptions options) override;
   [[nodiscard]] Observation addObserver(const std::string& name,
                                         std::function<void()> received) override;
   std::vector<std::string> posted;
+  /// Those of the notifications that were posted with options, in order.
+  std::vector<NotificationOptions> options;
 
  private:
   std::multimap<std::string, std::weak_ptr<std::function<void()>>> observers_;

@@ -8,8 +8,10 @@
 #include "tests/support/FakeLog.h"
 #include "tests/support/FakeLoginItems.h"
 #include "tests/support/FakeMainLoop.h"
+#include "tests/support/FakePasteboard.h"
 #include "tests/support/FakePropertyLists.h"
 #include "tests/support/FakeSecurityScope.h"
+#include "tests/support/FakeUniformTypes.h"
 #include "tests/support/FakeShell.h"
 #include "tests/support/FakeUserDefaults.h"
 
@@ -45,6 +47,8 @@ struct FakePlatform {
   FakeLaunchServices launchServices;
   FakeLoginItems loginItems;
   FakeDistributedNotifications distributedNotifications;
+  FakePasteboards pasteboards;
+  FakeUniformTypes uniformTypes;
   FakeShell shell;
 
   Platform platform{log,
@@ -64,6 +68,8 @@ struct FakePlatform {
                     launchServices,
                     loginItems,
                     distributedNotifications,
+                    pasteboards,
+                    uniformTypes,
                     shell};
 };
 

@@ -63,6 +63,11 @@ void LinuxDistributedNotificationCenter::postNotificationName(const std::string&
   }
 }
 
+void LinuxDistributedNotificationCenter::postNotificationWithOptions(
+    const std::string& name, NotificationOptions /*options*/) {
+  postNotificationName(name);
+}
+
 Observation LinuxDistributedNotificationCenter::addObserver(const std::string& name,
                                                             std::function<void()> received) {
   auto observer = std::make_shared<Observer>(name, std::move(received));

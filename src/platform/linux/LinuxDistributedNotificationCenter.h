@@ -21,6 +21,8 @@ class LinuxDistributedNotificationCenter final : public DistributedNotificationC
   LinuxDistributedNotificationCenter(GDBusConnection* connection, Log& log);
 
   void postNotificationName(const std::string& name) override;
+  /// Every signal is delivered immediately, to all sessions of the user that share the bus.
+  void postNotificationWithOptions(const std::string& name, NotificationOptions options) override;
   [[nodiscard]] Observation addObserver(const std::string& name,
                                         std::function<void()> received) override;
 

@@ -14,19 +14,4 @@ void AppDelegate::customIcon(const ActionRequest& /*request*/) {
   notAvailableYet();
 }
 
-  notAvailableYet();
-}
-
-  notAvailableYet();
-}
-
-  notAvailableYet();
-}
-
-  notAvailableYet();
-}
-
-  notAvailableYet();
-}
-
 }  // namespace tavrin

@@ -108,11 +108,6 @@ class AppDelegate final : public ApplicationDelegate {
   std::vector<FileURL> urlsOfItems(const std::string& selection);
   bool isImage(const std::string& path) const;
   void handOverForPinning(std::vector<FileURL> urls);
-  /// The items of a selection, a file list string; of a piece that is no file URL only the log
-  /// hears.
-  std::vector<FileURL> urlsOfItems(const std::string& selection);
-  bool isImage(const std::string& path) const;
-  void handOverForPinning(std::vector<FileURL> urls);
   bool itemExists(const std::string& path) const;
   /// One line that names the action in hand.
   void logFailure(const std::string& reason);

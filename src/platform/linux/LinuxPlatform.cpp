@@ -15,13 +15,11 @@
 #include "platform/linux/LinuxLoginItems.h"
 #include "platform/linux/LinuxMainLoop.h"
 #include "platform/linux/LinuxPasteboard.h"
-#include "platform/linux/LinuxPasteboard.h"
 #include "platform/linux/LinuxSecurityScope.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/LinuxSound.h"
 #include "platform/linux/LinuxStatusItem.h"
 #include "platform/linux/LinuxSystemCapabilities.h"
-#include "platform/linux/LinuxUniformTypes.h"
 #include "platform/linux/LinuxUniformTypes.h"
 #include "platform/linux/LinuxUserDefaultsProvider.h"
 #include "platform/linux/LinuxWorkspace.h"
@@ -58,8 +56,6 @@ struct LinuxPlatform::Services {
   LinuxLaunchServices launchServices;
   LinuxLoginItems loginItems;
   LinuxDistributedNotificationCenter distributedNotifications;
-  LinuxPasteboardProvider pasteboards;
-  LinuxUniformTypes uniformTypes;
   LinuxPasteboardProvider pasteboards;
   LinuxUniformTypes uniformTypes;
   LinuxShell shell;
@@ -111,8 +107,6 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                launchServices,
                loginItems,
                distributedNotifications,
-               pasteboards,
-               uniformTypes,
                pasteboards,
                uniformTypes,
                shell} {

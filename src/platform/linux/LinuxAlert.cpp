@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QIcon>
+#include <QLabel>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStyle>
@@ -32,6 +33,21 @@ QMessageBox::Icon iconOfStyle(Alert::Style style) {
       break;
   }
   return QMessageBox::Warning;
+}
+
+/// A title in bold, and lines of a readable length below it: the box on its own would make the text
+/// as narrow as its buttons.
+void layOutTexts(QMessageBox& box) {
+  constexpr int widestText = 380;
+  if (auto* title = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"))) {
+    QFont bold = title->font();
+    bold.setBold(true);
+    title->setFont(bold);
+  }
+  if (auto* text = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_informativelabel"))) {
+    const int width = text->fontMetrics().horizontalAdvance(text->text()) + 2 * text->margin() + 1;
+    text->setMinimumWidth(std::min(width, widestText));
+  }
 }
 
 }  // namespace
@@ -82,7 +98,10 @@ int LinuxAlert::run(QWidget* parent) {
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setTextFormat(Qt::PlainText);
   box.setText(messageText_.isEmpty() ? informativeText_ : messageText_);
-  if (!messageText_.isEmpty()) box.setInformativeText(informativeText_);
+  if (!messageText_.isEmpty()) {
+    box.setInformativeText(informativeText_);
+    layOutTexts(box);
+  }
 
   const std::size_t escapeIndex = escapeButtonIndex();
   std::vector<QPushButton*> buttons;

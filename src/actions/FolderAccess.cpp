@@ -10,10 +10,11 @@ constexpr std::size_t mostFoldersRemembered = 64;
 }  // namespace
 
 FolderAccess::FolderAccess(AppSandboxFileAccess& fileAccess, FileManager& fileManager)
-    : fileAccess_(fileAccess), fileManager_(fileManager), batch_(fileManager.batch()) {}
+    : fileAccess_(fileAccess), fileManager_(fileManager) {}
 
 bool FolderAccess::accessFilePath(const std::string& path, const std::function<void()>& block) {
   if (granted_.contains(path)) {
+    if (!batch_) batch_ = fileManager_.batch();
     block();
     return true;
   }

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "icons/Bytes.h"
+
+namespace tavrin::sips {
+
+/// Images of more pixels are refused before room is made for them: 16384 x 16384, which fill one
+/// gibibyte.
+inline constexpr std::uint64_t mostPixels = std::uint64_t{16384} * 16384;
+
+/// True, with a reason in `mistake`, for an image that is refused.
+bool isTooLarge(std::int64_t width, std::int64_t height, std::string& mistake);
+
+/// How an image is to be read.
+struct ImageSource {
+  enum class Kind {
+    /// By the library itself, from the file.
+    File,
+    /// By the library itself, from `bytes`.
+    Memory,
+    /// By a part of the library that is loaded for it, from the file.
+    FileByModule,
+    /// The same from `bytes`.
+    MemoryByModule
+  };
+  Kind kind = Kind::File;
+  std::string path;
+  icons::Bytes bytes;
+
+  bool needsModules() const { return kind == Kind::FileByModule || kind == Kind::MemoryByModule; }
+};
+
+/// Finds out how to read a file, from how it begins. Nothing, with the reason in `mistake`, when it
+/// cannot be read or holds no picture.
+std::optional<ImageSource> sourceOf(const std::string& path, std::string& mistake);
+
+}  // namespace tavrin::sips

@@ -13,6 +13,7 @@
 #include "platform/Pasteboard.h"
 #include "platform/PropertyListSerialization.h"
 #include "platform/SecurityScope.h"
+#include "platform/Services.h"
 #include "platform/Shell.h"
 #include "platform/Sound.h"
 #include "platform/StatusItem.h"
@@ -45,6 +46,7 @@ struct Platform {
   DistributedNotificationCenter& distributedNotifications;
   PasteboardProvider& pasteboards;
   UniformTypes& uniformTypes;
+  Services& services;
   Shell& shell;
 };
 

@@ -11,6 +11,7 @@
 #include "tests/support/FakePasteboard.h"
 #include "tests/support/FakePropertyLists.h"
 #include "tests/support/FakeSecurityScope.h"
+#include "tests/support/FakeServices.h"
 #include "tests/support/FakeUniformTypes.h"
 #include "tests/support/FakeShell.h"
 #include "tests/support/FakeUserDefaults.h"
@@ -49,6 +50,7 @@ struct FakePlatform {
   FakeDistributedNotifications distributedNotifications;
   FakePasteboards pasteboards;
   FakeUniformTypes uniformTypes;
+  FakeServices services;
   FakeShell shell;
 
   Platform platform{log,
@@ -70,6 +72,7 @@ struct FakePlatform {
                     distributedNotifications,
                     pasteboards,
                     uniformTypes,
+                    services,
                     shell};
 };
 

@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "foundation/FileURL.h"
+#include "platform/linux/ProgramLauncher.h"
 #include "platform/linux/SystemErrors.h"
 
 namespace tavrin {
@@ -22,8 +23,7 @@ GObjectPointer<GAppLaunchContext> launchContext(GDesktopAppInfo* application) {
     return nullptr;
   }
   GObjectPointer<GAppLaunchContext> context(g_app_launch_context_new());
-  for (const char* name : {"DESKTOP_STARTUP_ID", "XDG_ACTIVATION_TOKEN", "DBUS_STARTER_ADDRESS",
-                           "DBUS_STARTER_BUS_TYPE"}) {
+  for (const char* name : variablesOfOwnStart) {
     g_app_launch_context_unsetenv(context.get(), name);
   }
   return context;

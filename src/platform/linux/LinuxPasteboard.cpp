@@ -66,7 +66,7 @@ class UniquePasteboard final : public LinuxPasteboard {
 
 std::string sessionFolder() {
   const std::string runtime = userRuntimeDirectory();
-  if (runtime.empty()) return runtime;
+  if (runtime.empty()) return {};
   return appendingPathComponent(appendingPathComponent(runtime, identity::applicationId),
                                 "pasteboards");
 }

@@ -16,6 +16,7 @@
 #include "platform/linux/LinuxMainLoop.h"
 #include "platform/linux/LinuxPasteboard.h"
 #include "platform/linux/LinuxSecurityScope.h"
+#include "platform/linux/LinuxServices.h"
 #include "platform/linux/LinuxShell.h"
 #include "platform/linux/LinuxSound.h"
 #include "platform/linux/LinuxStatusItem.h"
@@ -58,6 +59,7 @@ struct LinuxPlatform::Services {
   LinuxDistributedNotificationCenter distributedNotifications;
   LinuxPasteboardProvider pasteboards;
   LinuxUniformTypes uniformTypes;
+  LinuxServices terminalServices;
   LinuxShell shell;
   LinuxApplication application;
   std::unique_ptr<UserDefaults> standardUserDefaults;
@@ -84,6 +86,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       launchServices(applications),
       loginItems(log),
       distributedNotifications(intake.connection(), log),
+      terminalServices(bundle, propertyLists, log),
       shell(securityScope.startedScopes(), log, bundle.builtInPlugInsPath()),
       application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
@@ -109,6 +112,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                distributedNotifications,
                pasteboards,
                uniformTypes,
+               terminalServices,
                shell} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
 }

@@ -14,6 +14,12 @@ void becomeSessionLeader(gpointer) {
   ::setsid();
 }
 
+GLibPointer<char*> environmentFor(const std::string& workingFolder) {
+  char** environment = g_get_environ();
+  for (const char* name : variablesOfOwnStart) environment = g_environ_unsetenv(environment, name);
+  return GLibPointer<char*>(g_environ_setenv(environment, "PWD", workingFolder.c_str(), TRUE));
+}
+
 std::error_code causeOf(const GLibError& error) {
   const auto reason = error.matches(G_SPAWN_ERROR, G_SPAWN_ERROR_NOENT)    ? ENOENT
                       : error.matches(G_SPAWN_ERROR, G_SPAWN_ERROR_ACCES)  ? EACCES
@@ -24,14 +30,16 @@ std::error_code causeOf(const GLibError& error) {
 
 }  // namespace
 
-Status launchProgram(const std::string& path, const std::vector<std::string>& arguments) {
+Status launchProgram(const std::string& path, const std::vector<std::string>& arguments,
+                     const std::string& workingFolder) {
   std::vector<char*> argv = {const_cast<char*>(path.c_str())};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   GLibError error;
   // Without G_SPAWN_DO_NOT_REAP_CHILD GLib starts a grandchild and reaps the child between.
-  if (g_spawn_async("/", argv.data(), nullptr, G_SPAWN_STDOUT_TO_DEV_NULL, becomeSessionLeader,
-                    nullptr, nullptr, error.slot()) == FALSE) {
+  if (g_spawn_async(workingFolder.c_str(), argv.data(), environmentFor(workingFolder).get(),
+                    G_SPAWN_STDOUT_TO_DEV_NULL, becomeSessionLeader, nullptr, nullptr,
+                    error.slot()) == FALSE) {
     return SystemError{"launch", path, causeOf(error)};
   }
   return success();

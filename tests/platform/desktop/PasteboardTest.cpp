@@ -21,10 +21,11 @@ using testing::IsEmpty;
 class PasteboardTest : public testing::Test {
  protected:
   PasteboardTest() { test::setVariable("XDG_RUNTIME_DIR", runtime_.path()); }
-  ~PasteboardTest() override { test::setVariable("XDG_RUNTIME_DIR", before_); }
+  void TearDown() override { test::setVariable("XDG_RUNTIME_DIR", before_); }
 
   static std::vector<FileURL> urls(const std::vector<std::string>& paths) {
     std::vector<FileURL> list;
+    list.reserve(paths.size());
     for (const std::string& path : paths) list.push_back(FileURL::fileURLWithPath(path));
     return list;
   }

@@ -6,10 +6,6 @@ void AppDelegate::notAvailableYet() {
   platform_.log.write("not available yet: " + actionInHand_->name());
 }
 
-void AppDelegate::createNewFile(const ActionRequest& /*request*/) {
-  notAvailableYet();
-}
-
 void AppDelegate::customIcon(const ActionRequest& /*request*/) {
   notAvailableYet();
 }

@@ -68,7 +68,12 @@ class AppDelegate final : public ApplicationDelegate {
   void authorizeRootButtonClick();
 
   // The commands, in src/actions. A request's missing key reads as no value.
+  /// Makes a file from the template of an enabled rule, or of the format that the user picks in a
+  /// save panel. Where no rule has an extension, that panel offers no formats, takes any name, and
+  /// the file is empty.
   void createNewFile(const ActionRequest& request);
+  /// Allows the picked format alone; the action of the pop-up in the save panel.
+  void buttonPressed(std::size_t indexOfSelectedItem);
   void sendFilesTo(const ActionRequest& request, IsCopy isCopy);
   void sendFilesToCustom(const ActionRequest& request, IsCopy isCopy);
   void customIcon(const ActionRequest& request);
@@ -111,6 +116,28 @@ class AppDelegate final : public ApplicationDelegate {
   bool itemExists(const std::string& path) const;
   /// One line that names the action in hand.
   void logFailure(const std::string& reason);
+
+  /// A file to make: in the folder that access is asked for, or elsewhere by the user's choice.
+  struct NewFile {
+    enum class Naming { FirstFree, AsItStands, Replacing };
+    std::string folder;
+    std::string path;
+    std::string templateName;
+    Naming naming;
+  };
+  void createFileOfChosenFormat(const std::string& folder, const PropertyList::Array& rules);
+  std::shared_ptr<SavePanel> makeFormatPanel(const std::string& folder,
+                                             std::vector<std::string> extensions);
+  static std::string templateName(const std::optional<std::string>& displayName,
+                                  const std::optional<std::string>& extension);
+  /// Nothing when the template is missing.
+  PropertyList::Data contentsOfTemplate(const std::string& name);
+  void createFile(const NewFile& file);
+  Result<std::string> writeNewFile(const NewFile& file);
+  void fileCreated(const std::string& path, const std::string& folder);
+  void creationFailed(const std::string& reason);
+  void playSoundOfNewFile(const std::unique_ptr<Sound>& sound);
+
   void sendItem(const std::string& sourcePath, const std::string& destinationFolder, IsCopy isCopy);
   void sendItemsToChosenFolder(const std::vector<std::string_view>& items,
                                const std::string& folder, IsCopy isCopy);
@@ -158,6 +185,9 @@ class AppDelegate final : public ApplicationDelegate {
   ActionInHand* actionInHand_ = nullptr;
   /// Items that a multi-item command has done; equal to the item count means success.
   std::int32_t successCounter_ = 0;
+  /// The formats that the save panel of a new file offers, and the panel; until the next one.
+  std::vector<std::string> offeredExtensions_;
+  std::shared_ptr<SavePanel> savePanel_;
 
   RequestLine requests_;
   std::vector<Observation> observations_;

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "foundation/FileURL.h"
+#include "platform/SavePanel.h"
 #include "platform/Window.h"
 
 namespace tavrin {
@@ -63,6 +64,7 @@ class PanelProvider {
  public:
   virtual ~PanelProvider() = default;
   virtual std::shared_ptr<OpenPanel> openPanel() = 0;
+  virtual std::shared_ptr<SavePanel> savePanel() = 0;
 };
 
 }  // namespace tavrin

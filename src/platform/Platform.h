@@ -12,6 +12,7 @@
 #include "platform/OpenPanel.h"
 #include "platform/Pasteboard.h"
 #include "platform/PropertyListSerialization.h"
+#include "platform/SavePanel.h"
 #include "platform/SecurityScope.h"
 #include "platform/Services.h"
 #include "platform/Shell.h"

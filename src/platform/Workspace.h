@@ -22,6 +22,15 @@ class Workspace {
   virtual bool openFileWithApplication(const std::string& path,
                                        const std::string& applicationName) = 0;
 
+  /// Opens a window of the file viewer in which the item at `path` is selected; `rootPath` is the
+  /// folder to show where no viewer can select it. Both are absolute. Returns at once; that no file
+  /// viewer answers reaches the log.
+  virtual void selectFile(const std::string& path, const std::string& rootPath) = 0;
+
+  /// Opens a file (an absolute path) in the default application for its type. The application is
+  /// no child of this program. A failure reaches the log.
+  virtual void openFile(const std::string& path) = 0;
+
   /// Launches the program or bundle at a path. True when it was started. May be called on any
   /// thread.
   virtual bool launchApplication(const std::string& path) = 0;

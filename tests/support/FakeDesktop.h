@@ -18,6 +18,7 @@
 #include "platform/SystemCapabilities.h"
 #include "platform/Workspace.h"
 #include "settings/PreferencesWindow.h"
+#include "tests/support/FakeSavePanels.h"
 
 /// Services of the desktop that remember what was asked of them.
 namespace tavrin {
@@ -59,6 +60,7 @@ class FakePanels final : public PanelProvider {
   using User = std::function<std::optional<std::string>(const PanelSettings& settings)>;
 
   std::shared_ptr<OpenPanel> openPanel() override;
+  std::shared_ptr<SavePanel> savePanel() override { return savePanels.make(); }
 
   /// Answers each panel in turn; without one the panel is cancelled.
   void answerWith(User user) { users_.push_back(std::move(user)); }
@@ -68,6 +70,7 @@ class FakePanels final : public PanelProvider {
 
   /// The settings of every panel that was shown, in order.
   std::vector<PanelSettings> shown;
+  FakeSavePanels savePanels;
   /// What is told of a pick (it starts the scope).
   std::function<void(const FileURL& picked)> grantPicked;
 
@@ -110,6 +113,10 @@ class FakeWorkspace final : public Workspace {
     openedWith.emplace_back(path, applicationName);
     return applicationIsInstalled;
   }
+  void selectFile(const std::string& path, const std::string& rootPath) override {
+    asked.push_back("select " + path + " in " + rootPath);
+  }
+  void openFile(const std::string& path) override { asked.push_back("open " + path); }
   bool launchApplication(const std::string& path) override {
     launched.push_back(path);
     return true;
@@ -120,6 +127,8 @@ class FakeWorkspace final : public Workspace {
   /// The paths and the names of the applications that were to open them, in order.
   std::vector<std::pair<std::string, std::string>> openedWith;
   bool applicationIsInstalled = true;
+  /// What was to be done with files, in order.
+  std::vector<std::string> asked;
   std::vector<std::string> launched;
   std::function<void()> sleep;
 };

@@ -25,6 +25,9 @@ struct FakePlatform {
     panels.grantPicked = [this](const FileURL& picked) {
       securityScope.grantByPanel(picked.path());
     };
+    panels.savePanels.grantPlace = [this](const std::string& path) {
+      securityScope.grantPlaceByPanel(path);
+    };
     bundle.information = {{"CFBundleDisplayName", "Tavrin"}};
     for (const char* sound : {"Volume Mount.aiff", "Funk.aiff", "empty trash.aiff"}) {
       bundle.resources[sound] = std::string("/opt/tavrin/share/tavrin/") + sound;

@@ -23,7 +23,7 @@ void printPicked(const tavrin::OpenPanel& panel) {
 int showAccessPanel(const std::string& path) {
   const FileURL url = FileURL::fileURLWithPath(path);
   const tavrin::AppSandboxFileAccessOpenSavePanelDelegate delegate(url);
-  tavrin::LinuxPanelProvider provider([](const auto&) {});
+  tavrin::LinuxPanelProvider provider([](const auto&) {}, {});
   const auto panel = provider.openPanel();
   panel->setCanChooseFiles(true);
   panel->setCanChooseDirectories(true);
@@ -41,7 +41,7 @@ int showAccessPanel(const std::string& path) {
 }
 
 int showFolderChooser(const std::string& path) {
-  tavrin::LinuxPanelProvider provider([](const auto&) {});
+  tavrin::LinuxPanelProvider provider([](const auto&) {}, {});
   const auto panel = provider.openPanel();
   panel->setCanChooseFiles(false);
   panel->setCanChooseDirectories(true);

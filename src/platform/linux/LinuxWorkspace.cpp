@@ -6,44 +6,15 @@
 #include <optional>
 #include <utility>
 
-#include "foundation/FileURL.h"
 #include "foundation/PathString.h"
-#include "platform/linux/GLibPointers.h"
+#include "platform/linux/DefaultApplication.h"
+#include "platform/linux/FileViewer.h"
 #include "platform/linux/OpenWithApplication.h"
 #include "platform/linux/ProgramLauncher.h"
 
 namespace tavrin {
 
 namespace {
-
-/// A folder that the file manager was asked to show.
-struct FolderToShow {
-  std::string uri;
-  Log& log;
-};
-
-void openWithDefaultApplication(const FolderToShow& folder, const std::string& whyNotByBus) {
-  const GObjectPointer<GAppInfo> application(
-      g_app_info_get_default_for_type("inode/directory", TRUE));
-  if (!application) {
-    folder.log.write("no file manager shows " + folder.uri + ": " + whyNotByBus);
-    return;
-  }
-  GList uris = {const_cast<char*>(folder.uri.c_str()), nullptr, nullptr};
-  GLibError error;
-  if (g_app_info_launch_uris(application.get(), &uris, nullptr, error.slot()) == FALSE) {
-    folder.log.write("no file manager shows " + folder.uri + ": " + error.message());
-  }
-}
-
-void onFolderShown(GObject* connection, GAsyncResult* result, gpointer pending) {
-  const std::unique_ptr<FolderToShow> folder(static_cast<FolderToShow*>(pending));
-  GLibError error;
-  const GLibPointer<GVariant> answer(
-      g_dbus_connection_call_finish(G_DBUS_CONNECTION(connection), result, error.slot()));
-  if (answer || error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) return;
-  openWithDefaultApplication(*folder, error.message());
-}
 
 bool isFolder(const std::string& path) {
   struct stat status = {};
@@ -67,34 +38,26 @@ std::optional<std::string> programOfBundle(const std::string& bundlePath) {
 
 }  // namespace
 
-void LinuxWorkspace::GObjectRelease::operator()(GCancellable* cancellable) const {
-  g_object_unref(cancellable);
-}
-
 LinuxWorkspace::LinuxWorkspace(GDBusConnection* connection, ApplicationTable& applications,
                                Log& log)
-    : connection_(connection),
-      applications_(applications),
+    : applications_(applications),
       log_(log),
-      pendingCalls_(g_cancellable_new()),
+      fileViewer_(std::make_unique<FileViewer>(connection, log)),
       sleepSignal_(log) {}
 
-LinuxWorkspace::~LinuxWorkspace() {
-  g_cancellable_cancel(pendingCalls_.get());
-}
+LinuxWorkspace::~LinuxWorkspace() = default;
 
 void LinuxWorkspace::selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) {
-  auto folder = std::make_unique<FolderToShow>(
-      FolderToShow{FileURL::fileURLWithPath(rootPath).absoluteString(), log_});
-  if (connection_ == nullptr) {
-    openWithDefaultApplication(*folder, "no session bus");
-    return;
-  }
-  const char* const uris[] = {folder->uri.c_str(), nullptr};
-  g_dbus_connection_call(
-      connection_, "org.freedesktop.FileManager1", "/org/freedesktop/FileManager1",
-      "org.freedesktop.FileManager1", "ShowFolders", g_variant_new("(^ass)", uris, ""), nullptr,
-      G_DBUS_CALL_FLAGS_NONE, -1, pendingCalls_.get(), onFolderShown, folder.release());
+  fileViewer_->showFolder(rootPath);
+}
+
+void LinuxWorkspace::selectFile(const std::string& path, const std::string& rootPath) {
+  fileViewer_->showItem(path, rootPath);
+}
+
+void LinuxWorkspace::openFile(const std::string& path) {
+  const Status opened = openWithDefaultApplication(path);
+  if (!opened) log_.write(opened.error().describe());
 }
 
 bool LinuxWorkspace::openFileWithApplication(const std::string& path,

@@ -9,9 +9,10 @@
 #include "platform/linux/SleepSignal.h"
 
 typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
-typedef struct _GCancellable GCancellable;        // NOLINT(bugprone-reserved-identifier)
 
 namespace tavrin {
+
+class FileViewer;
 
 /// The desktop around the program: the file manager behind org.freedesktop.FileManager1, or else
 /// the default application for folders; logind for the system's sleep.
@@ -22,6 +23,8 @@ class LinuxWorkspace final : public Workspace {
   ~LinuxWorkspace() override;
 
   void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override;
+  void selectFile(const std::string& path, const std::string& rootPath) override;
+  void openFile(const std::string& path) override;
 
   bool openFileWithApplication(const std::string& path,
                                const std::string& applicationName) override;
@@ -34,14 +37,9 @@ class LinuxWorkspace final : public Workspace {
   [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
 
  private:
-  struct GObjectRelease {
-    void operator()(GCancellable* cancellable) const;
-  };
-
-  GDBusConnection* connection_;
   ApplicationTable& applications_;
   Log& log_;
-  std::unique_ptr<GCancellable, GObjectRelease> pendingCalls_;
+  std::unique_ptr<FileViewer> fileViewer_;
   SleepSignal sleepSignal_;
 };
 

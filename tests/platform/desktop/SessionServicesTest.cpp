@@ -87,6 +87,8 @@ class FakeFileManager1 {
   explicit FakeFileManager1(const test::PrivateBus& bus) : connection_(bus.connect()) {
     const GLibPointer<GDBusNodeInfo> node(g_dbus_node_info_new_for_xml(
         "<node><interface name='org.freedesktop.FileManager1'><method name='ShowFolders'>"
+        "<arg type='as' direction='in'/><arg type='s' direction='in'/></method>"
+        "<method name='ShowItems'>"
         "<arg type='as' direction='in'/><arg type='s' direction='in'/></method></interface></node>",
         nullptr));
     static constexpr GDBusInterfaceVTable methods = {onCall, nullptr, nullptr, {}};
@@ -101,10 +103,10 @@ class FakeFileManager1 {
   std::vector<std::string> calls;
 
  private:
-  static void onCall(GDBusConnection*, const char*, const char*, const char*, const char*,
+  static void onCall(GDBusConnection*, const char*, const char*, const char*, const char* method,
                      GVariant* arguments, GDBusMethodInvocation* invocation, gpointer self) {
     const GLibPointer<char> text(g_variant_print(arguments, FALSE));
-    static_cast<FakeFileManager1*>(self)->calls.emplace_back(text.get());
+    static_cast<FakeFileManager1*>(self)->calls.push_back(std::string(method) + text.get());
     g_dbus_method_invocation_return_value(invocation, nullptr);
   }
 
@@ -142,7 +144,19 @@ TEST_F(WorkspaceTest, asksTheFileManagerToShowAFolder) {
   workspace.selectNoFileInFileViewerRootedAtPath("/");
   ASSERT_TRUE(test::waitUntil([&] { return fileManager.calls.size() == 2; }));
   EXPECT_THAT(fileManager.calls,
-              ElementsAre("(['file:///tmp/a%20b/%FF%25%3F%23%0A'], '')", "(['file:///'], '')"));
+              ElementsAre("ShowFolders(['file:///tmp/a%20b/%FF%25%3F%23%0A'], '')",
+                          "ShowFolders(['file:///'], '')"));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(WorkspaceTest, asksTheFileManagerToSelectEachFileByItself) {
+  FakeFileManager1 fileManager(bus_);
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  workspace.selectFile("/tmp/a b/new|\xff.txt", "/tmp/a b");
+  workspace.selectFile("/c", "/");
+  ASSERT_TRUE(test::waitUntil([&] { return fileManager.calls.size() == 2; }));
+  EXPECT_THAT(fileManager.calls, ElementsAre("ShowItems(['file:///tmp/a%20b/new%7C%FF.txt'], '')",
+                                             "ShowItems(['file:///c'], '')"));
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
@@ -150,17 +164,33 @@ TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus
   const std::string applications = std::string(g_get_user_data_dir()) + "/applications";
   installViewer(applications, folder_ / "notes");
   LinuxWorkspace workspace(connection_.get(), applications_, log_);
-  workspace.selectNoFileInFileViewerRootedAtPath("/tmp/a b");
+  workspace.selectFile(folder_.path() + "/gone/file", folder_.path());
   EXPECT_TRUE(test::waitUntil([&] { return !noteOf("notes").empty(); }));
   LinuxWorkspace withoutBus(nullptr, applications_, log_);
-  withoutBus.selectNoFileInFileViewerRootedAtPath("/c");
+  withoutBus.selectNoFileInFileViewerRootedAtPath("/");
   // GIO's own connection would end this program with the test's bus.
   const GObjectPointer<GDBusConnection> shared(
       g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
   g_dbus_connection_set_exit_on_close(shared.get(), FALSE);
   EXPECT_TRUE(test::waitUntil([&] { return test::linesOf(noteOf("notes")).size() == 2; }));
-  EXPECT_THAT(test::linesOf(noteOf("notes")), ElementsAre("/tmp/a b", "/c"));
+  // Of a type that needs no database to be told.
+  withoutBus.openFile("/usr");
+  EXPECT_TRUE(test::waitUntil([&] { return test::linesOf(noteOf("notes")).size() == 3; }));
+  EXPECT_THAT(test::linesOf(noteOf("notes")), ElementsAre(folder_.path(), "/", "/usr"));
   EXPECT_THAT(log_.lines(), IsEmpty());
+  withoutBus.selectFile("/file", "/no such folder");
+  EXPECT_THAT(log_.lines(),
+              ElementsAre(HasSubstr("shows /no such folder: no session bus; open /no such folder: "
+                                    "No such file")));
+}
+
+TEST_F(WorkspaceTest, saysThatAFileCannotBeOpened) {
+  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  test::writeFile(folder_ / "file", std::string("\0\1", 2));
+  workspace.openFile(folder_ / "file");
+  workspace.openFile(folder_ / "gone");
+  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("find an application for application/"),
+                                        HasSubstr("gone: No such file")));
 }
 
 TEST_F(WorkspaceTest, mayEndWhileAFolderIsBeingShown) {

@@ -71,11 +71,15 @@ OpenPanel::Response LinuxOpenPanel::takeResult(const OpenPanelDialog& dialog) {
   return Response::OK;
 }
 
-LinuxPanelProvider::LinuxPanelProvider(GrantPicked grantPicked)
-    : grantPicked_(std::move(grantPicked)) {}
+LinuxPanelProvider::LinuxPanelProvider(GrantPicked grantPicked, GrantPlace grantPlace)
+    : grantPicked_(std::move(grantPicked)), grantPlace_(std::move(grantPlace)) {}
 
 std::shared_ptr<OpenPanel> LinuxPanelProvider::openPanel() {
   return std::make_shared<LinuxOpenPanel>(grantPicked_);
+}
+
+std::shared_ptr<SavePanel> LinuxPanelProvider::savePanel() {
+  return std::make_shared<LinuxSavePanel>(grantPlace_);
 }
 
 }  // namespace tavrin

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/OpenPanel.h"
+#include "platform/linux/panel/LinuxSavePanel.h"
 #include "platform/linux/panel/OpenPanelDialog.h"
 
 namespace tavrin {
@@ -47,11 +48,13 @@ class LinuxOpenPanel final : public OpenPanel, public std::enable_shared_from_th
 
 class LinuxPanelProvider final : public PanelProvider {
  public:
-  explicit LinuxPanelProvider(GrantPicked grantPicked);
+  LinuxPanelProvider(GrantPicked grantPicked, GrantPlace grantPlace);
   std::shared_ptr<OpenPanel> openPanel() override;
+  std::shared_ptr<SavePanel> savePanel() override;
 
  private:
   GrantPicked grantPicked_;
+  GrantPlace grantPlace_;
 };
 
 }  // namespace tavrin

@@ -4,66 +4,33 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
-#include <QMouseEvent>
 #include <QPushButton>
 #include <QToolButton>
-#include <QTreeView>
-#include <algorithm>
 #include <filesystem>
 #include <utility>
 
 #include "foundation/PathString.h"
 #include "platform/linux/DisplayText.h"
 #include "platform/linux/LinuxDirectories.h"
-#include "platform/linux/panel/PanelPathBar.h"
 #include "platform/linux/panel/TypedPath.h"
 
 namespace tavrin {
 
-namespace {
-
-bool isReturn(const QKeyEvent& event) {
-  return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
-}
-
-}  // namespace
-
 bool OpenPanelDialog::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress) {
-    const auto& key = static_cast<const QKeyEvent&>(*event);
-    if (isReturn(key) ? returnPressedIn(watched) : beginsTypedPath(watched, key)) return true;
-  }
-  if (watched == fileList_->viewport() && event->type() == QEvent::MouseButtonPress) {
-    const QPoint point = static_cast<const QMouseEvent&>(*event).position().toPoint();
-    if (!fileList_->indexAt(point).isValid()) fileList_->clearSelection();
+  // Return is taken before the field hands it on to the dialog, which would press the default
+  // button.
+  if (event->type() == QEvent::KeyPress && watched == locationEdit_ &&
+      isReturn(static_cast<const QKeyEvent&>(*event))) {
+    locationReturnPressed();
+    return true;
   }
   return QDialog::eventFilter(watched, event);
 }
 
-// Return is taken before the widget hands it on to the dialog, which would press the default
-// button.
-bool OpenPanelDialog::returnPressedIn(const QObject* widget) {
-  if (widget == fileList_) {
-    const std::vector<int> rows = selectedRows();
-    rows.size() == 1 ? openRow(rows.front()) : confirm();
-  } else if (widget == places_) {
-    openPlace(places_->currentRow());
-  } else if (widget == locationEdit_) {
-    locationReturnPressed();
-  } else {
-    return false;
-  }
-  return true;
-}
-
-bool OpenPanelDialog::beginsTypedPath(const QObject* widget, const QKeyEvent& event) {
-  const bool isStart = event.text() == QLatin1String("/") || event.text() == QLatin1String("~");
-  if (widget != fileList_ || !isStart) return false;
+void OpenPanelDialog::beginTypedPath(const QString& text) {
   locationEdit_->setFocus(Qt::ShortcutFocusReason);
-  locationEdit_->setText(event.text());
+  locationEdit_->setText(text);
   locationEdited();
-  return true;
 }
 
 void OpenPanelDialog::keyPressEvent(QKeyEvent* event) {
@@ -81,58 +48,16 @@ void OpenPanelDialog::showStart() {
       options_.directory.value_or(FileURL::fileURLWithPath(currentAccount().homeDirectory));
   std::error_code missing;
   if (std::filesystem::is_directory(start.path(), missing)) {
-    enterFolder(start);
+    browser_->enterFolder(start);
     return;
   }
-  enterFolder(start.deletingLastPathComponent(), start.lastPathComponent());
-  selectName(start.lastPathComponent());
+  browser_->enterFolder(start.deletingLastPathComponent(), start.lastPathComponent());
+  browser_->selectName(start.lastPathComponent());
 }
 
-void OpenPanelDialog::selectName(const std::string& name) {
-  const std::optional<int> row = model_->rowOfName(name);
-  if (!row) return;
-  const QModelIndex index = model_->index(*row, FolderListModel::NameColumn);
-  if (index.flags().testFlag(Qt::ItemIsSelectable)) fileList_->setCurrentIndex(index);
-  fileList_->scrollTo(index, QAbstractItemView::PositionAtCenter);
-}
-
-void OpenPanelDialog::enterFolder(const FileURL& folder, const std::string& nameToShow) {
-  const FileURL previous = model_->folder();
-  const Status listed = model_->setFolder(folder.path(), nameToShow);
-  emptyHint_->setText(listed ? QCoreApplication::translate("Tavrin", "This folder is empty.")
-                             : QCoreApplication::translate("Tavrin",
-                                                           "The contents of this folder cannot be "
-                                                           "shown."));
-  emptyHint_->setVisible(model_->rowCount() == 0);
-  pathBar_->setFolder(folder);
-  fileList_->scrollToTop();
+void OpenPanelDialog::folderShown() {
   locationIsTyped_ = false;
   showCandidates();
-  if (!(previous.deletingLastPathComponent() == folder)) return;
-  // Back in the parent, the keyboard stands on the folder it came from, which is not selected: the
-  // way up is a way of picking the parent.
-  const std::optional<int> row = model_->rowOfName(previous.lastPathComponent());
-  if (!row) return;
-  const QModelIndex index = model_->index(*row, FolderListModel::NameColumn);
-  fileList_->selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
-  fileList_->scrollTo(index, QAbstractItemView::PositionAtCenter);
-}
-
-void OpenPanelDialog::openRow(int row) {
-  const FileURL url = model_->urlOfRow(row);
-  if (!options_.rules.isEnabled(url, model_->isFolderRow(row))) return;
-  if (model_->isFolderRow(row)) {
-    enterFolder(url);
-    return;
-  }
-  confirm();
-}
-
-void OpenPanelDialog::openPlace(int row) {
-  const QListWidgetItem* item = places_->item(row);
-  if (item == nullptr || !item->flags().testFlag(Qt::ItemIsEnabled)) return;
-  const QByteArray path = item->data(Qt::UserRole).toByteArray();
-  enterFolder(FileURL::fileURLWithPath(path.toStdString()));
 }
 
 void OpenPanelDialog::confirm() {
@@ -140,7 +65,7 @@ void OpenPanelDialog::confirm() {
   if (urls.empty()) return;
   std::vector<PickedItem> picked;
   for (const FileURL& url : urls) {
-    const auto item = model_->take(url);
+    const auto item = browser_->model().take(url);
     if (!item) return refuse(url);
     picked.push_back({url, item.value()});
   }
@@ -151,14 +76,14 @@ void OpenPanelDialog::confirm() {
 void OpenPanelDialog::refuse(const FileURL& url) {
   const bool wasTyped = locationIsTyped_;
   const QString typed = locationEdit_->text();
-  const bool isRow = !(url == model_->folder());
-  enterFolder(model_->folder(), isRow ? url.lastPathComponent() : std::string());
+  const bool isRow = !(url == browser_->folder());
+  browser_->enterFolder(browser_->folder(), isRow ? url.lastPathComponent() : std::string());
   if (wasTyped) {
     locationEdit_->setText(typed);
     locationEdited();
   } else if (isRow) {
     // Return must not pick the whole folder in its stead.
-    selectName(url.lastPathComponent());
+    browser_->selectName(url.lastPathComponent());
   }
   problemLabel_->setText(QCoreApplication::translate(
       "Tavrin", "This item cannot be opened, or has been replaced since it was shown."));
@@ -166,11 +91,11 @@ void OpenPanelDialog::refuse(const FileURL& url) {
 
 void OpenPanelDialog::locationReturnPressed() {
   const std::optional<FileURL> url = typedURL();
-  if (!url || !isFolderPath(*url) || *url == model_->folder()) {
+  if (!url || !isFolderPath(*url) || *url == browser_->folder()) {
     confirm();
     return;
   }
-  if (options_.rules.isEnabled(*url, true)) enterFolder(*url);
+  if (options_.rules.isEnabled(*url, true)) browser_->enterFolder(*url);
 }
 
 void OpenPanelDialog::selectionChanged() {
@@ -185,7 +110,7 @@ void OpenPanelDialog::locationEdited() {
 }
 
 void OpenPanelDialog::showCandidates() {
-  const std::vector<int> rows = selectedRows();
+  const std::vector<int> rows = browser_->selectedRows();
   const std::vector<FileURL> urls = candidates();
   promptButton_->setEnabled(!urls.empty());
   problemLabel_->clear();
@@ -194,8 +119,8 @@ void OpenPanelDialog::showCandidates() {
                                                        static_cast<int>(rows.size())));
     return;
   }
-  locationEdit_->setText(
-      displayName(rows.empty() ? model_->folder().path() : model_->urlOfRow(rows.front()).path()));
+  locationEdit_->setText(displayName(
+      rows.empty() ? browser_->folder().path() : browser_->model().urlOfRow(rows.front()).path()));
 }
 
 std::vector<FileURL> OpenPanelDialog::candidates() const {
@@ -204,35 +129,24 @@ std::vector<FileURL> OpenPanelDialog::candidates() const {
     if (!url || !options_.rules.isPickable(*url, isFolderPath(*url))) return {};
     return {*url};
   }
-  const std::vector<int> rows = selectedRows();
+  const std::vector<int> rows = browser_->selectedRows();
   if (rows.empty()) {
-    if (!options_.rules.isPickable(model_->folder(), true)) return {};
-    return {model_->folder()};
+    if (!options_.rules.isPickable(browser_->folder(), true)) return {};
+    return {browser_->folder()};
   }
   std::vector<FileURL> urls;
   for (const int row : rows) {
-    const FileURL url = model_->urlOfRow(row);
-    if (!options_.rules.isPickable(url, model_->isFolderRow(row))) return {};
+    const FileURL url = browser_->model().urlOfRow(row);
+    if (!options_.rules.isPickable(url, browser_->model().isFolderRow(row))) return {};
     urls.push_back(url);
   }
   return urls;
 }
 
-std::vector<int> OpenPanelDialog::selectedRows() const {
-  std::vector<int> rows;
-  const QModelIndexList indexes =
-      fileList_->selectionModel()->selectedRows(FolderListModel::NameColumn);
-  for (const QModelIndex& index : indexes) {
-    if (index.flags().testFlag(Qt::ItemIsSelectable)) rows.push_back(index.row());
-  }
-  std::sort(rows.begin(), rows.end());
-  return rows;
-}
-
 std::optional<FileURL> OpenPanelDialog::typedURL() const {
   if (!locationIsTyped_)
     return candidates().empty() ? std::nullopt : std::optional(candidates().front());
-  return existingItemAtTypedPath(locationEdit_->text(), model_->folder());
+  return existingItemAtTypedPath(locationEdit_->text(), browser_->folder());
 }
 
 QString OpenPanelDialog::problemOfTypedPath() const {

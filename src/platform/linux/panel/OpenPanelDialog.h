@@ -9,19 +9,15 @@
 
 #include "foundation/FileURL.h"
 #include "platform/linux/ScopeGrant.h"
-#include "platform/linux/panel/FolderListModel.h"
+#include "platform/linux/panel/PanelBrowser.h"
 #include "platform/linux/panel/PanelRules.h"
 
 class QLabel;
 class QLineEdit;
-class QListWidget;
 class QPushButton;
-class QTreeView;
 class QVBoxLayout;
 
 namespace tavrin {
-
-class PanelPathBar;
 
 /// What a panel is set to before it is shown.
 struct PanelOptions {
@@ -62,18 +58,12 @@ class OpenPanelDialog final : public QDialog {
 
  private:
   void addTexts(QVBoxLayout& layout);
-  void makeFileList();
-  void makePlaces();
   void makeLocationRow(QVBoxLayout& layout);
   void makeButtons(QVBoxLayout& layout);
   void showStart();
 
-  bool returnPressedIn(const QObject* widget);
-  bool beginsTypedPath(const QObject* widget, const QKeyEvent& event);
-  void enterFolder(const FileURL& folder, const std::string& nameToShow = std::string());
-  void openRow(int row);
-  void openPlace(int row);
-  void selectName(const std::string& name);
+  void beginTypedPath(const QString& text);
+  void folderShown();
   void confirm();
   void refuse(const FileURL& url);
   void locationReturnPressed();
@@ -83,7 +73,6 @@ class OpenPanelDialog final : public QDialog {
 
   /// What confirming would pick: the typed path, the selected rows, or the folder shown.
   std::vector<FileURL> candidates() const;
-  std::vector<int> selectedRows() const;
   std::optional<FileURL> typedURL() const;
   QString problemOfTypedPath() const;
 
@@ -91,11 +80,7 @@ class OpenPanelDialog final : public QDialog {
   std::vector<PickedItem> picked_;
   /// The location shows what the user typed, and not what the list selects.
   bool locationIsTyped_ = false;
-  FolderListModel* model_;
-  QTreeView* fileList_;
-  QListWidget* places_;
-  PanelPathBar* pathBar_;
-  QLabel* emptyHint_;
+  PanelBrowser* browser_;
   QLineEdit* locationEdit_;
   QLabel* problemLabel_;
   QPushButton* promptButton_ = nullptr;

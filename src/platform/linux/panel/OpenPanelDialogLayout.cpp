@@ -3,27 +3,19 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
-#include <QShortcut>
-#include <QSplitter>
-#include <QTreeView>
 #include <QVBoxLayout>
 
 #include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/panel/OpenPanelDialog.h"
-#include "platform/linux/panel/PanelPathBar.h"
-#include "platform/linux/panel/PanelPlaces.h"
 
 namespace tavrin {
 
 namespace {
 
 constexpr int widestText = 800;
-constexpr QSize iconSize(20, 20);
 
 QLabel* makeTextLabel(const QString& text, QWidget* parent) {
   auto* label = new QLabel(parent);
@@ -45,12 +37,11 @@ QString titleOf(const PanelOptions& options) {
 OpenPanelDialog::OpenPanelDialog(const PanelOptions& options, QWidget* parent)
     : QDialog(parent),
       options_(options),
-      model_(new FolderListModel(options.rules, options.hiddenFiles, this)),
-      fileList_(new QTreeView(this)),
-      places_(new QListWidget(this)),
-      pathBar_(new PanelPathBar(
-          options.rules, [this](const FileURL& folder) { enterFolder(folder); }, this)),
-      emptyHint_(new QLabel(fileList_->viewport())),
+      browser_(new PanelBrowser(
+          options.rules, options.hiddenFiles, options.allowsMultipleSelection,
+          {[this] { folderShown(); }, [this] { selectionChanged(); }, [this] { confirm(); },
+           [this](const QString& text) { beginTypedPath(text); }},
+          this)),
       locationEdit_(new QLineEdit(this)),
       problemLabel_(new QLabel(this)) {
   setObjectName(QStringLiteral("openPanel"));
@@ -59,22 +50,11 @@ OpenPanelDialog::OpenPanelDialog(const PanelOptions& options, QWidget* parent)
   layout->setContentsMargins(14, 12, 14, 12);
   layout->setSpacing(10);
   addTexts(*layout);
-  layout->addWidget(pathBar_);
-  makeFileList();
-  makePlaces();
-  auto* splitter = new QSplitter(this);
-  splitter->addWidget(places_);
-  splitter->addWidget(fileList_);
-  splitter->setStretchFactor(1, 1);
-  splitter->setSizes({170, 640});
-  splitter->setChildrenCollapsible(false);
-  layout->addWidget(splitter, 1);
+  layout->addWidget(browser_, 1);
   makeLocationRow(*layout);
   makeButtons(*layout);
-  auto* up = new QShortcut(QKeySequence(Qt::ALT | Qt::Key_Up), this);
-  QObject::connect(up, &QShortcut::activated, this, [this] { pathBar_->goUp(); });
   resize(840, 580);
-  fileList_->setFocus();
+  browser_->focusList();
   showStart();
 }
 
@@ -96,62 +76,6 @@ void OpenPanelDialog::addTexts(QVBoxLayout& layout) {
   row->addWidget(icon);
   row->addWidget(accessory, 1);
   layout.addLayout(row);
-}
-
-void OpenPanelDialog::makeFileList() {
-  fileList_->setObjectName(QStringLiteral("fileList"));
-  fileList_->setAccessibleName(QCoreApplication::translate("Tavrin", "Files"));
-  fileList_->setModel(model_);
-  fileList_->setRootIsDecorated(false);
-  fileList_->setItemsExpandable(false);
-  fileList_->setUniformRowHeights(true);
-  fileList_->setAllColumnsShowFocus(true);
-  fileList_->setAlternatingRowColors(true);
-  fileList_->setTabKeyNavigation(false);
-  fileList_->setIconSize(iconSize);
-  fileList_->setTextElideMode(Qt::ElideMiddle);
-  fileList_->setSelectionMode(options_.allowsMultipleSelection
-                                  ? QAbstractItemView::ExtendedSelection
-                                  : QAbstractItemView::SingleSelection);
-  QHeaderView& header = *fileList_->header();
-  header.setStretchLastSection(false);
-  header.setSectionsMovable(false);
-  header.setSectionResizeMode(FolderListModel::NameColumn, QHeaderView::Stretch);
-  // The sizes end at the right border, apart from the dates, which begin at the left one.
-  header.moveSection(FolderListModel::SizeColumn, FolderListModel::ModifiedColumn);
-  header.resizeSection(FolderListModel::SizeColumn, 90);
-  header.resizeSection(FolderListModel::ModifiedColumn, 170);
-
-  emptyHint_->setObjectName(QStringLiteral("emptyHint"));
-  emptyHint_->setEnabled(false);
-  auto* hintLayout = new QVBoxLayout(fileList_->viewport());
-  hintLayout->addWidget(emptyHint_, 0, Qt::AlignCenter);
-  fileList_->installEventFilter(this);
-  fileList_->viewport()->installEventFilter(this);
-  QObject::connect(fileList_, &QTreeView::doubleClicked, this,
-                   [this](const QModelIndex& index) { openRow(index.row()); });
-  QObject::connect(fileList_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-                   [this] { selectionChanged(); });
-}
-
-void OpenPanelDialog::makePlaces() {
-  places_->setObjectName(QStringLiteral("places"));
-  places_->setAccessibleName(QCoreApplication::translate("Tavrin", "Places"));
-  places_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-  places_->setTextElideMode(Qt::ElideMiddle);
-  places_->setIconSize(iconSize);
-  places_->setSpacing(1);
-  for (const PanelPlace& place : panelPlaces()) {
-    auto* item = new QListWidgetItem(
-        PanelIcons::icon(QString::fromLatin1(place.themeIcon), place.symbol), place.name, places_);
-    item->setData(Qt::UserRole, QByteArray::fromStdString(place.path));
-    if (!options_.rules.isEnabled(FileURL::fileURLWithPath(place.path), true)) {
-      item->setFlags(Qt::NoItemFlags);
-    }
-  }
-  places_->installEventFilter(this);
-  QObject::connect(places_, &QListWidget::itemClicked, this,
-                   [this](QListWidgetItem* item) { openPlace(places_->row(item)); });
 }
 
 void OpenPanelDialog::makeLocationRow(QVBoxLayout& layout) {

@@ -397,7 +397,7 @@ void pressInPanel(Qt::Key key) {
 
 TEST_F(OpenPanelTest, runModalGrantsWhatIsPickedBeforeItReturns) {
   std::vector<std::string> granted;
-  LinuxPanelProvider provider([&](const auto& item) { granted.push_back(item->path()); });
+  LinuxPanelProvider provider([&](const auto& item) { granted.push_back(item->path()); }, {});
   const auto panel = provider.openPanel();
   panel->setCanChooseDirectories(true);
   panel->setDirectoryURL(*options_.directory);
@@ -414,7 +414,7 @@ TEST_F(OpenPanelTest, runModalGrantsWhatIsPickedBeforeItReturns) {
 
 TEST_F(OpenPanelTest, beginReturnsAtOnceAndCompletesOnceAndLetsGo) {
   std::vector<std::string> order;
-  LinuxPanelProvider provider([&](const auto&) { order.emplace_back("granted"); });
+  LinuxPanelProvider provider([&](const auto&) { order.emplace_back("granted"); }, {});
   auto panel = provider.openPanel();
   panel->setCanChooseDirectories(true);
   panel->setDirectoryURL(*options_.directory);

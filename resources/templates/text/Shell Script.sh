@@ -1,0 +1,8 @@
+#!/bin/sh
+set -eu
+
+main() {
+  echo "Hello, ${1:-world}!"
+}
+
+main "$@"

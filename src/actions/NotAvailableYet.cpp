@@ -6,8 +6,4 @@ void AppDelegate::notAvailableYet() {
   platform_.log.write("not available yet: " + actionInHand_->name());
 }
 
-void AppDelegate::customIcon(const ActionRequest& /*request*/) {
-  notAvailableYet();
-}
-
 }  // namespace tavrin

@@ -5,6 +5,7 @@
 #include "platform/Bundle.h"
 #include "platform/DistributedNotificationCenter.h"
 #include "platform/FileManager.h"
+#include "platform/Image.h"
 #include "platform/LaunchServices.h"
 #include "platform/Log.h"
 #include "platform/LoginItems.h"
@@ -49,6 +50,7 @@ struct Platform {
   UniformTypes& uniformTypes;
   Services& services;
   Shell& shell;
+  ImageProvider& images;
 };
 
 }  // namespace tavrin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <map>
@@ -18,6 +19,7 @@
 #include "platform/SystemCapabilities.h"
 #include "platform/Workspace.h"
 #include "settings/PreferencesWindow.h"
+#include "tests/support/FakeImages.h"
 #include "tests/support/FakeSavePanels.h"
 
 /// Services of the desktop that remember what was asked of them.
@@ -113,6 +115,10 @@ class FakeWorkspace final : public Workspace {
     openedWith.emplace_back(path, applicationName);
     return applicationIsInstalled;
   }
+  bool setIcon(const Image* image, const std::string& path) override {
+    icons.push_back({path, descriptionOfImage(image), std::chrono::steady_clock::now()});
+    return true;
+  }
   void selectFile(const std::string& path, const std::string& rootPath) override {
     asked.push_back("select " + path + " in " + rootPath);
   }
@@ -123,7 +129,14 @@ class FakeWorkspace final : public Workspace {
   }
   [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
 
+  /// One setting of an icon: the contents of the image, or "none".
+  struct SetIcon {
+    std::string path, image;
+    std::chrono::steady_clock::time_point time;
+  };
+
   std::vector<std::string> shownFolders;
+  std::vector<SetIcon> icons;
   /// The paths and the names of the applications that were to open them, in order.
   std::vector<std::pair<std::string, std::string>> openedWith;
   bool applicationIsInstalled = true;

@@ -5,6 +5,7 @@
 #include "tests/support/FakeBundle.h"
 #include "tests/support/FakeDesktop.h"
 #include "tests/support/FakeFileManager.h"
+#include "tests/support/FakeImages.h"
 #include "tests/support/FakeLog.h"
 #include "tests/support/FakeLoginItems.h"
 #include "tests/support/FakeMainLoop.h"
@@ -55,6 +56,7 @@ struct FakePlatform {
   FakeUniformTypes uniformTypes;
   FakeServices services;
   FakeShell shell;
+  FakeImages images;
 
   Platform platform{log,
                     mainLoop,
@@ -76,7 +78,8 @@ struct FakePlatform {
                     pasteboards,
                     uniformTypes,
                     services,
-                    shell};
+                    shell,
+                    images};
 };
 
 }  // namespace tavrin

@@ -1,7 +1,5 @@
 #include "platform/linux/HiddenNames.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -10,8 +8,8 @@
 #include <utility>
 
 #include "platform/linux/FileCreation.h"
-#include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FileReplacement.h"
+#include "platform/linux/ItemRedraw.h"
 #include "platform/linux/SystemErrors.h"
 
 namespace tavrin {
@@ -32,17 +30,6 @@ void forEachLine(std::string_view text, const Use& use) {
     use(text.substr(0, end));
     text.remove_prefix(std::min(end + 1, text.size()));
   }
-}
-
-/// Redraws an item in windows that watch it, by setting the rights that it has.
-void touch(int folder, const std::string& name) {
-  const FileDescriptor item(::openat(folder, name.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
-  struct stat status {};
-  if (!item || ::fstat(item.get(), &status) != 0) return;
-  const bool isPlain = (status.st_mode & (S_ISUID | S_ISGID | S_ISVTX)) == 0;
-  if (!isPlain || !(S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))) return;
-  const std::string path = "/proc/self/fd/" + std::to_string(item.get());
-  ::chmod(path.c_str(), status.st_mode & ACCESSPERMS);
 }
 
 }  // namespace
@@ -163,7 +150,7 @@ Status HiddenNames::write() {
 
 void HiddenNames::touchItems(const std::vector<std::string>& names) const {
   if (names.size() == mostItemsTouched) return;
-  for (const std::string& name : names) touch(folder_, name);
+  for (const std::string& name : names) redrawItem(folder_, name);
 }
 
 void HiddenNames::forget() {

@@ -44,6 +44,9 @@ class LinuxFileManager final : public FileManager {
   /// Removes what killed processes of the program have left half made. For an idle moment.
   void clearLeftovers();
 
+  /// The records of partial items, for others who write files.
+  const PartialItems& partialItems() const { return partialItems_; }
+
  private:
   Status dropHiddenName(const ItemPlace& item);
   Status carryHiddenName(const ItemPlace& from, const ItemPlace& to);

@@ -11,6 +11,7 @@
 #include "platform/linux/LinuxBundle.h"
 #include "platform/linux/LinuxDistributedNotificationCenter.h"
 #include "platform/linux/LinuxFileManager.h"
+#include "platform/linux/LinuxImage.h"
 #include "platform/linux/LinuxLaunchServices.h"
 #include "platform/linux/LinuxLoginItems.h"
 #include "platform/linux/LinuxMainLoop.h"
@@ -53,6 +54,7 @@ struct LinuxPlatform::Services {
   LinuxSoundProvider sounds;
   LinuxStatusBar statusBar;
   ApplicationTable applications;
+  ItemIcons itemIcons;
   LinuxWorkspace workspace;
   LinuxLaunchServices launchServices;
   LinuxLoginItems loginItems;
@@ -61,6 +63,7 @@ struct LinuxPlatform::Services {
   LinuxUniformTypes uniformTypes;
   LinuxServices terminalServices;
   LinuxShell shell;
+  LinuxImageProvider images;
   LinuxApplication application;
   std::unique_ptr<UserDefaults> standardUserDefaults;
   LinuxAppearance appearance;
@@ -83,12 +86,15 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       sounds(log, bundle.builtInPlugInsPath()),
       statusBar(appendingPathComponent(bundle.resourcePath(), "icons")),
       applications(bundle, propertyLists, log),
-      workspace(intake.connection(), applications, log),
+      itemIcons(securityScope.startedScopes(), fileManager.partialItems(), fileManager,
+                bundle.groupIdentifier(), log),
+      workspace(intake.connection(), applications, &itemIcons, log),
       launchServices(applications),
       loginItems(log),
       distributedNotifications(intake.connection(), log),
       terminalServices(bundle, propertyLists, log),
       shell(securityScope.startedScopes(), log, bundle.builtInPlugInsPath()),
+      images(log),
       application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
       appearance([this](bool isDark) { appearanceChanged(isDark); }),
@@ -114,7 +120,8 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                pasteboards,
                uniformTypes,
                terminalServices,
-               shell} {
+               shell,
+               images} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
 }
 

@@ -39,8 +39,9 @@ std::optional<std::string> programOfBundle(const std::string& bundlePath) {
 }  // namespace
 
 LinuxWorkspace::LinuxWorkspace(GDBusConnection* connection, ApplicationTable& applications,
-                               Log& log)
+                               ItemIcons* itemIcons, Log& log)
     : applications_(applications),
+      itemIcons_(itemIcons),
       log_(log),
       fileViewer_(std::make_unique<FileViewer>(connection, log)),
       sleepSignal_(log) {}
@@ -63,6 +64,10 @@ void LinuxWorkspace::openFile(const std::string& path) {
 bool LinuxWorkspace::openFileWithApplication(const std::string& path,
                                              const std::string& applicationName) {
   return tavrin::openFileWithApplication(path, applicationName, applications_, log_);
+}
+
+bool LinuxWorkspace::setIcon(const Image* image, const std::string& path) {
+  return itemIcons_ != nullptr && itemIcons_->setIcon(image, path);
 }
 
 bool LinuxWorkspace::launchApplication(const std::string& path) {

@@ -6,6 +6,7 @@
 #include "platform/Log.h"
 #include "platform/Workspace.h"
 #include "platform/linux/ApplicationTable.h"
+#include "platform/linux/ItemIcons.h"
 #include "platform/linux/SleepSignal.h"
 
 typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-identifier)
@@ -18,8 +19,10 @@ class FileViewer;
 /// the default application for folders; logind for the system's sleep.
 class LinuxWorkspace final : public Workspace {
  public:
-  /// `connection` is the session bus, null when there is none. All outlive the workspace.
-  LinuxWorkspace(GDBusConnection* connection, ApplicationTable& applications, Log& log);
+  /// `connection` is the session bus, null when there is none; without `itemIcons` no item's icon
+  /// can be set. All outlive the workspace.
+  LinuxWorkspace(GDBusConnection* connection, ApplicationTable& applications, ItemIcons* itemIcons,
+                 Log& log);
   ~LinuxWorkspace() override;
 
   void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override;
@@ -28,6 +31,8 @@ class LinuxWorkspace final : public Workspace {
 
   bool openFileWithApplication(const std::string& path,
                                const std::string& applicationName) override;
+
+  bool setIcon(const Image* image, const std::string& path) override;
 
   /// A bundle is a folder: it is started by the program in it that is named like the folder without
   /// its extension, or "AppRun". The launched program is no child of this one. A failure reaches
@@ -38,6 +43,7 @@ class LinuxWorkspace final : public Workspace {
 
  private:
   ApplicationTable& applications_;
+  ItemIcons* itemIcons_;
   Log& log_;
   std::unique_ptr<FileViewer> fileViewer_;
   SleepSignal sleepSignal_;

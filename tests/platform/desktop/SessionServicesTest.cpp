@@ -139,7 +139,7 @@ class WorkspaceTest : public testing::Test {
 
 TEST_F(WorkspaceTest, asksTheFileManagerToShowAFolder) {
   FakeFileManager1 fileManager(bus_);
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   workspace.selectNoFileInFileViewerRootedAtPath("/tmp/a b/\xff%?#\n/");
   workspace.selectNoFileInFileViewerRootedAtPath("/");
   ASSERT_TRUE(test::waitUntil([&] { return fileManager.calls.size() == 2; }));
@@ -151,7 +151,7 @@ TEST_F(WorkspaceTest, asksTheFileManagerToShowAFolder) {
 
 TEST_F(WorkspaceTest, asksTheFileManagerToSelectEachFileByItself) {
   FakeFileManager1 fileManager(bus_);
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   workspace.selectFile("/tmp/a b/new|\xff.txt", "/tmp/a b");
   workspace.selectFile("/c", "/");
   ASSERT_TRUE(test::waitUntil([&] { return fileManager.calls.size() == 2; }));
@@ -163,10 +163,10 @@ TEST_F(WorkspaceTest, asksTheFileManagerToSelectEachFileByItself) {
 TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus) {
   const std::string applications = std::string(g_get_user_data_dir()) + "/applications";
   installViewer(applications, folder_ / "notes");
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   workspace.selectFile(folder_.path() + "/gone/file", folder_.path());
   EXPECT_TRUE(test::waitUntil([&] { return !noteOf("notes").empty(); }));
-  LinuxWorkspace withoutBus(nullptr, applications_, log_);
+  LinuxWorkspace withoutBus(nullptr, applications_, nullptr, log_);
   withoutBus.selectNoFileInFileViewerRootedAtPath("/");
   // GIO's own connection would end this program with the test's bus.
   const GObjectPointer<GDBusConnection> shared(
@@ -185,7 +185,7 @@ TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus
 }
 
 TEST_F(WorkspaceTest, saysThatAFileCannotBeOpened) {
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   test::writeFile(folder_ / "file", std::string("\0\1", 2));
   workspace.openFile(folder_ / "file");
   workspace.openFile(folder_ / "gone");
@@ -195,7 +195,7 @@ TEST_F(WorkspaceTest, saysThatAFileCannotBeOpened) {
 
 TEST_F(WorkspaceTest, mayEndWhileAFolderIsBeingShown) {
   {
-    LinuxWorkspace workspace(connection_.get(), applications_, log_);
+    LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
     workspace.selectNoFileInFileViewerRootedAtPath("/tmp");
   }
   synchronize(connection_.get());
@@ -211,7 +211,7 @@ constexpr const char* noteOwnProcess =
     "mv \"${0%/*}/started.part\" \"${0%/*}/started\"\n";
 
 TEST_F(WorkspaceTest, launchesAProgramThatIsNoChildOfThisOne) {
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   test::writeFile(folder_ / "program", noteOwnProcess);
   EXPECT_TRUE(workspace.launchApplication(folder_ / "program"));
   ASSERT_TRUE(test::waitUntil([&] { return !noteOf("started").empty(); }));
@@ -232,7 +232,7 @@ TEST_F(WorkspaceTest, launchesAProgramThatIsNoChildOfThisOne) {
 }
 
 TEST_F(WorkspaceTest, launchesTheProgramOfABundle) {
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   test::writeFile(folder_ / "My Service.service/My Service", noteOwnProcess);
   test::writeFile(folder_ / "Other.app/AppRun", noteOwnProcess);
   EXPECT_TRUE(workspace.launchApplication(folder_ / "My Service.service"));
@@ -243,7 +243,7 @@ TEST_F(WorkspaceTest, launchesTheProgramOfABundle) {
 }
 
 TEST_F(WorkspaceTest, saysThatAProgramCannotBeLaunched) {
-  LinuxWorkspace workspace(connection_.get(), applications_, log_);
+  LinuxWorkspace workspace(connection_.get(), applications_, nullptr, log_);
   test::writeFile(folder_ / "plain", "not a program");
   std::string empty = folder_ / "Empty.app";
   test::writeFile(empty + "/Contents", "");
@@ -281,7 +281,7 @@ class SleepTest : public testing::Test {
 };
 
 TEST_F(SleepTest, isAnnouncedByLogindAlone) {
-  LinuxWorkspace workspace(nullptr, applications_, log_);
+  LinuxWorkspace workspace(nullptr, applications_, nullptr, log_);
   int sleeps = 0;
   const Observation observation = workspace.observeWillSleep([&] { ++sleeps; });
   Observation ended = workspace.observeWillSleep([&] { sleeps += 100; });
@@ -307,7 +307,7 @@ TEST_F(SleepTest, isAnnouncedByLogindAlone) {
 
 TEST_F(SleepTest, isNotAnnouncedWithoutASystemBus) {
   system_.kill();
-  LinuxWorkspace workspace(nullptr, applications_, log_);
+  LinuxWorkspace workspace(nullptr, applications_, nullptr, log_);
   const Observation one = workspace.observeWillSleep([] {});
   const Observation two = workspace.observeWillSleep([] {});
   EXPECT_TRUE(test::waitUntil([&] { return !log_.lines().empty(); }));

@@ -1,0 +1,149 @@
+#include "platform/linux/LinuxImage.h"
+
+#include <QBuffer>
+#include <QImage>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QPainter>
+#include <algorithm>
+#include <array>
+#include <string>
+#include <utility>
+
+namespace tavrin {
+
+namespace {
+
+// A file that says it holds more would only cost time.
+constexpr int mostPictures = 64;
+
+/// The formats that are read, by Qt's names. Compressed drawings are not: nothing bounds what they
+/// grow to.
+constexpr std::array formats = {"tiff", "png", "jpeg", "svg",  "icns",
+                                "gif",  "bmp", "ico",  "webp", "jpg"};
+
+class LinuxImage final : public Image {
+ public:
+  explicit LinuxImage(QImage picture) : picture_(std::move(picture)) {}
+
+  Result<PropertyList::Data> squarePng(int largestSide) const override;
+
+ private:
+  QImage picture_;
+};
+
+QImage squareOf(const QImage& picture, int largestSide) {
+  QImage scaled = picture;
+  if (std::max(picture.width(), picture.height()) > largestSide) {
+    scaled =
+        picture.scaled(largestSide, largestSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  }
+  const int side = std::max(scaled.width(), scaled.height());
+  QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
+  square.fill(Qt::transparent);
+  QPainter painter(&square);
+  painter.drawImage((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled);
+  return square;
+}
+
+Result<PropertyList::Data> LinuxImage::squarePng(int largestSide) const {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QImageWriter writer(&buffer, "png");
+  if (!writer.write(squareOf(picture_, largestSide))) {
+    return SystemError{"write", "image (" + writer.errorString().toStdString() + ")",
+                       std::make_error_code(std::errc::io_error)};
+  }
+  return PropertyList::Data(bytes.begin(), bytes.end());
+}
+
+bool isGzip(const PropertyList::Data& data) {
+  return data.size() >= 2 && data[0] == 0x1f && data[1] == 0x8b;
+}
+
+bool isWithinBounds(const QSize& size) {
+  return !size.isEmpty() &&
+         static_cast<long long>(size.width()) * size.height() <= ImageProvider::largestPixelCount;
+}
+
+bool holdsMore(const QImage& one, const QImage& other) {
+  return static_cast<long long>(one.width()) * one.height() >
+         static_cast<long long>(other.width()) * other.height();
+}
+
+/// Reads the pictures of one file.
+class PictureReader {
+ public:
+  explicit PictureReader(const PropertyList::Data& data) {
+    bytes_ = QByteArray::fromRawData(reinterpret_cast<const char*>(data.data()),
+                                     static_cast<qsizetype>(data.size()));
+    buffer_.setBuffer(&bytes_);
+    buffer_.open(QIODevice::ReadOnly);
+    reader_.setDevice(&buffer_);
+    reader_.setAutoTransform(true);
+  }
+
+  bool isKnownFormat() const {
+    const QByteArray format = reader_.format();
+    return std::any_of(formats.begin(), formats.end(),
+                       [&](const char* known) { return format == known; });
+  }
+
+  /// The largest picture within the bounds; none with the reason.
+  QImage readLargest(std::string& reason) {
+    if (reader_.format() == "svg") return readDrawing(reason);
+    QImage largest;
+    const int count = std::clamp(reader_.imageCount(), 1, mostPictures);
+    for (int index = 0; index < count; ++index) {
+      if (index > 0 && !reader_.jumpToImage(index)) break;
+      QImage picture = readWithinBounds(reason);
+      if (holdsMore(picture, largest)) largest = std::move(picture);
+    }
+    return largest;
+  }
+
+ private:
+  QImage readDrawing(std::string& reason) {
+    const int side = LinuxImageProvider::drawingSide;
+    const QSize natural = reader_.size();
+    reader_.setScaledSize((natural.isEmpty() ? QSize(1, 1) : natural)
+                              .scaled(side, side, Qt::KeepAspectRatio)
+                              .expandedTo(QSize(1, 1)));
+    QImage picture = reader_.read();
+    if (picture.isNull()) reason = reader_.errorString().toStdString();
+    return picture;
+  }
+
+  QImage readWithinBounds(std::string& reason) {
+    // Without a size of its own, as in ICNS, a picture is bounded by Qt's limit.
+    const QSize size = reader_.size();
+    if (size.isValid() && !isWithinBounds(size)) {
+      reason = "it has too many pixels";
+      return {};
+    }
+    QImage picture = reader_.read();
+    if (picture.isNull()) reason = reader_.errorString().toStdString();
+    return picture;
+  }
+
+  QByteArray bytes_;
+  QBuffer buffer_;
+  QImageReader reader_;
+};
+
+}  // namespace
+
+std::unique_ptr<Image> LinuxImageProvider::imageWithData(const PropertyList::Data& data) {
+  std::string reason = "its format is not known";
+  QImage picture;
+  if (!isGzip(data)) {
+    PictureReader reader(data);
+    if (reader.isKnownFormat()) picture = reader.readLargest(reason);
+  }
+  if (!picture.isNull()) return std::make_unique<LinuxImage>(std::move(picture));
+  log_.write("no image in " + std::to_string(data.size()) + " bytes of data: " + reason);
+  return nullptr;
+}
+
+}  // namespace tavrin

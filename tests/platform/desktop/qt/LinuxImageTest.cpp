@@ -1,0 +1,141 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QBuffer>
+#include <QImage>
+#include <QImageWriter>
+#include <QPainter>
+#include <string>
+
+#include "platform/linux/LinuxImage.h"
+#include "tests/platform/desktop/DesktopSession.h"
+#include "tests/support/FakeLog.h"
+
+namespace tavrin {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+QImage redPicture(int width, int height) {
+  QImage picture(width, height, QImage::Format_ARGB32);
+  picture.fill(Qt::red);
+  return picture;
+}
+
+PropertyList::Data written(const QImage& picture, const char* format) {
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  QImageWriter writer(&buffer, format);
+  EXPECT_TRUE(writer.write(picture)) << format << ": " << writer.errorString().toStdString();
+  return {bytes.begin(), bytes.end()};
+}
+
+PropertyList::Data bytesOf(const std::string& text) {
+  return {text.begin(), text.end()};
+}
+
+/// What ImageMagick, another implementation, makes of its arguments.
+PropertyList::Data converted(std::vector<std::string> arguments, const std::string& name) {
+  const test::TemporaryFolder folder;
+  arguments.insert(arguments.begin(), "convert");
+  arguments.push_back(folder / name);
+  EXPECT_EQ(test::ChildProcess(arguments).wait(), 0);
+  return bytesOf(test::readFile(folder / name));
+}
+
+bool isRed(const QColor& color) {
+  return color.alpha() == 255 && color.red() > 230 && color.green() < 25 && color.blue() < 25;
+}
+
+class LinuxImageTest : public testing::Test {
+ protected:
+  /// The picture that the PNG shows; a null one when the data is no image.
+  QImage squareOf(const PropertyList::Data& data, int side = 512) {
+    const auto image = provider_.imageWithData(data);
+    if (!image) return {};
+    const auto png = image->squarePng(side);
+    EXPECT_TRUE(png);
+    EXPECT_EQ(png.value(), image->squarePng(side).value());
+    QImage square;
+    const bool isPng =
+        square.loadFromData(png.value().data(), static_cast<int>(png.value().size()), "png");
+    EXPECT_TRUE(isPng);
+    return square;
+  }
+
+  FakeLog log_;
+  LinuxImageProvider provider_{log_};
+};
+
+TEST_F(LinuxImageTest, readsTheFormatsOfIcons) {
+  const std::string drawing =
+      "<svg xmlns='http://www.w3.org/2000/svg' width='10' height='10'>"
+      "<rect width='10' height='10' fill='#f00'/></svg>";
+  const std::vector<std::pair<const char*, PropertyList::Data>> files = {
+      {"TIFF", converted({"-size", "64x64", "xc:red"}, "a.tiff")},
+      {"PNG", converted({"-size", "64x64", "xc:red"}, "a.png")},
+      {"JPEG", converted({"-size", "64x64", "xc:red"}, "a.jpg")},
+      {"GIF", converted({"-size", "64x64", "xc:red"}, "a.gif")},
+      {"ICNS", written(redPicture(128, 128), "icns")},
+      {"SVG", bytesOf(drawing)},
+      {"SVG with a head", bytesOf("<?xml version='1.0'?>\n<!-- a -->\n" + drawing)},
+  };
+  for (const auto& [format, data] : files) {
+    const QImage square = squareOf(data);
+    ASSERT_FALSE(square.isNull()) << format << ": " << log_.lines().back();
+    EXPECT_EQ(square.width(), square.height()) << format;
+    EXPECT_TRUE(isRed(square.pixelColor(square.width() / 2, square.height() / 2))) << format;
+  }
+  EXPECT_EQ(squareOf(bytesOf(drawing)).width(), 512);
+  EXPECT_THAT(log_.lines(), IsEmpty());
+}
+
+TEST_F(LinuxImageTest, takesTheLargestOfSeveralPictures) {
+  const auto data = converted(
+      {"-size", "16x16", "xc:blue", "-size", "48x48", "xc:red", "-size", "32x32", "xc:blue"},
+      "a.tiff");
+  const QImage square = squareOf(data);
+  EXPECT_EQ(square.size(), QSize(48, 48));
+  EXPECT_TRUE(isRed(square.pixelColor(24, 24)));
+}
+
+TEST_F(LinuxImageTest, centresOnATransparentSquareAndNeverScalesUp) {
+  const QImage wide = squareOf(written(redPicture(100, 50), "png"));
+  EXPECT_EQ(wide.size(), QSize(100, 100));
+  EXPECT_EQ(wide.pixelColor(50, 10).alpha(), 0);
+  EXPECT_EQ(wide.pixelColor(50, 90).alpha(), 0);
+  EXPECT_TRUE(isRed(wide.pixelColor(50, 50)));
+  const QImage scaled = squareOf(written(redPicture(300, 1200), "png"), 100);
+  EXPECT_EQ(scaled.size(), QSize(100, 100));
+  EXPECT_EQ(scaled.pixelColor(20, 50).alpha(), 0);
+  EXPECT_TRUE(isRed(scaled.pixelColor(50, 2)));
+  EXPECT_EQ(squareOf(written(redPicture(5000, 1), "png")).size(), QSize(512, 512));
+}
+
+TEST_F(LinuxImageTest, refusesWhatIsNoImage) {
+  PropertyList::Data truncated = written(redPicture(64, 64), "png");
+  truncated.resize(40);
+  for (const auto& data : {PropertyList::Data(), bytesOf("text"), bytesOf("<svg"),
+                           bytesOf("\x1f\x8b\x08"), bytesOf("icns"), bytesOf("II*"), truncated}) {
+    EXPECT_FALSE(provider_.imageWithData(data));
+  }
+  EXPECT_EQ(log_.lines().size(), 7U);
+}
+
+TEST_F(LinuxImageTest, refusesAPictureThatWouldGrowTooLargeUnread) {
+  QImage vast(9000, 9000, QImage::Format_Mono);
+  vast.fill(0);
+  const PropertyList::Data png = written(vast, "png");
+  EXPECT_LT(png.size(), 1U << 20U);
+  EXPECT_FALSE(provider_.imageWithData(png));
+  EXPECT_THAT(log_.lines().back(), HasSubstr("too many pixels"));
+  const std::string huge =
+      "<svg xmlns='http://www.w3.org/2000/svg' width='1000000' height='1000000'>"
+      "<rect width='1000000' height='1000000' fill='#f00'/></svg>";
+  EXPECT_EQ(squareOf(bytesOf(huge)).size(), QSize(512, 512));
+}
+
+}  // namespace
+}  // namespace tavrin

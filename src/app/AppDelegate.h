@@ -98,7 +98,6 @@ class AppDelegate final : public ApplicationDelegate {
 
  private:
   std::optional<ActionRequest> readRequest(const std::string& fileName) const;
-  void notAvailableYet();
 
   PreferencesWindow& preferencesWindow();
   bool isPreferencesWindowVisible() const;

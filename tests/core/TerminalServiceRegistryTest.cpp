@@ -138,6 +138,7 @@ TEST(TerminalServiceRegistryInstance, IsOneForAllThreads) {
   static FakePlatform system;
   std::vector<const TerminalServiceRegistry*> seen(8);
   std::vector<std::thread> threads;
+  threads.reserve(seen.size());
   for (auto& instance : seen) {
     threads.emplace_back(
         [&instance] { instance = &TerminalServiceRegistry::sharedInstance(system.platform); });

@@ -91,8 +91,9 @@ std::optional<TerminalCommand> chooseTerminal(ResourceTable& terminals, const st
   std::vector<TerminalRow> rows = rowsOf(terminals);
   const std::string chosen = chosenProgram();
   if (!chosen.empty()) return commandOf(chosen, rows, place, folder);
-  std::ranges::stable_partition(rows, [desktop = environmentText("XDG_CURRENT_DESKTOP")](
-                                          const auto& row) { return isOfDesktop(row, desktop); });
+  const std::string desktop = environmentText("XDG_CURRENT_DESKTOP");
+  std::stable_partition(rows.begin(), rows.end(),
+                        [&desktop](const TerminalRow& row) { return isOfDesktop(row, desktop); });
   for (const TerminalRow& row : rows) {
     std::string program = findProgram(row.stringForKey("Program"));
     if (program.empty()) continue;

@@ -56,6 +56,26 @@ class LinuxPasteboard : public Pasteboard {
   std::vector<PasteboardType> types_;
 };
 
+class DragPasteboard final : public LinuxPasteboard {
+ public:
+  DragPasteboard(PasteboardFile file, DragSelection& selection)
+      : LinuxPasteboard(std::move(file)), selection_(selection) {}
+
+  void clearContents() override {
+    LinuxPasteboard::clearContents();
+    selection_.clear();
+  }
+
+  Status writeObjects(const std::vector<FileURL>& urls) override {
+    Status written = LinuxPasteboard::writeObjects(urls);
+    if (written) selection_.setUriList(uriList(urls));
+    return written;
+  }
+
+ private:
+  DragSelection& selection_;
+};
+
 class UniquePasteboard final : public LinuxPasteboard {
  public:
   using LinuxPasteboard::LinuxPasteboard;
@@ -76,7 +96,9 @@ std::string sessionFolder() {
 LinuxPasteboardProvider::LinuxPasteboardProvider() : folder_(sessionFolder()) {}
 
 std::unique_ptr<Pasteboard> LinuxPasteboardProvider::pasteboardWithName(const std::string& name) {
-  return std::make_unique<LinuxPasteboard>(PasteboardFile(folder_, name));
+  PasteboardFile file(folder_, name);
+  if (name != pasteboard_name::drag) return std::make_unique<LinuxPasteboard>(std::move(file));
+  return std::make_unique<DragPasteboard>(std::move(file), dragSelection_);
 }
 
 std::unique_ptr<Pasteboard> LinuxPasteboardProvider::pasteboardWithUniqueName() {

@@ -80,8 +80,8 @@ bool refuse(const Filter& filter, std::initializer_list<const char*> calls) {
 }
 
 bool refuseByArguments(const Filter& filter) {
-  const scmp_arg_cmp makesUserNamespace = SCMP_A0(SCMP_CMP_MASKED_EQ, CLONE_NEWUSER, CLONE_NEWUSER);
-  const scmp_arg_cmp isOtherProcess = SCMP_A0(SCMP_CMP_NE, 0);
+  const scmp_arg_cmp makesUserNamespace{0, SCMP_CMP_MASKED_EQ, CLONE_NEWUSER, CLONE_NEWUSER};
+  const scmp_arg_cmp isOtherProcess{0, SCMP_CMP_NE, 0, 0};
   const int clone = SCMP_SYS(clone);
   return ::seccomp_rule_add(filter.get(), refused, clone, 1, makesUserNamespace) == 0 &&
          ::seccomp_rule_add(filter.get(), refused, SCMP_SYS(prlimit64), 1, isOtherProcess) == 0 &&

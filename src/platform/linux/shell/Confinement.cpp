@@ -7,6 +7,7 @@
 #include <system_error>
 
 #include "platform/linux/shell/CallFilter.h"
+#include "platform/linux/shell/Capabilities.h"
 #include "platform/linux/shell/FileRules.h"
 #include "platform/linux/shell/ReadOnlyMounts.h"
 
@@ -38,6 +39,10 @@ std::vector<std::string> confine(int folder, const std::string& moduleFolder) {
   if (!staysUnprivileged) missing.push_back("programs may gain privileges" + because(errno));
   if (auto lost = confineFiles(folder, moduleFolder); !lost.empty()) {
     missing.push_back(std::move(lost));
+  }
+  // After the mounts, which need some.
+  if (const int cause = giveUpPrivileges(); cause != 0) {
+    missing.push_back("privileges are kept" + because(cause));
   }
   if (const int cause = refuseOutsideCalls(); cause != 0) {
     missing.push_back("no filter of system calls" + because(cause) +

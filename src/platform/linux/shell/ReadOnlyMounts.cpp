@@ -1,10 +1,8 @@
 #include "platform/linux/shell/ReadOnlyMounts.h"
 
 #include <fcntl.h>
-#include <linux/capability.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -70,21 +68,10 @@ bool mountReadOnlyAround(int folder) {
                    MOVE_MOUNT_F_EMPTY_PATH | MOVE_MOUNT_T_EMPTY_PATH) == 0;
 }
 
-/// The rights over the namespaces, which could undo it all.
-bool giveUpCapabilities() {
-  for (unsigned long capability = 0; ::prctl(PR_CAPBSET_READ, capability, 0, 0, 0) >= 0;
-       ++capability) {
-    if (::prctl(PR_CAPBSET_DROP, capability, 0, 0, 0) != 0) return false;
-  }
-  __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
-  const std::array<__user_cap_data_struct, _LINUX_CAPABILITY_U32S_3> none{};
-  return ::syscall(SYS_capset, &header, none.data()) == 0;
-}
-
 }  // namespace
 
 int mountAllElseReadOnly(int folder) {
-  return enterOwnNamespaces() && mountReadOnlyAround(folder) && giveUpCapabilities() ? 0 : errno;
+  return enterOwnNamespaces() && mountReadOnlyAround(folder) ? 0 : errno;
 }
 
 }  // namespace tavrin::shell

@@ -45,5 +45,6 @@ int main(int argumentCount, char** arguments) {
   }
   ::close(shell_protocol::folderDescriptor);
   if (::chdir("/") != 0) return notRun;
-  return run(arguments[1]);
+  // There is nothing to clean up, and what would look for it may not do so any more.
+  ::_exit(run(arguments[1]));
 }

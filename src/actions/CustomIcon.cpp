@@ -25,7 +25,7 @@ void AppDelegate::customIcon(const ActionRequest& request) {
   const std::int64_t tag = request.tag();
   const PropertyList::Array entries =
       standardUserDefaults_->arrayForKey(settings_key::arrOfCustomIcon);
-  if (path.empty()) return logFailure("no item given");
+  if (!path.starts_with('/')) return logFailure("no item at a full path given");
 
   fileAccess_->accessFilePath(deletingLastPathComponent(path), PersistPermission::Yes, [&] {
     platform_.workspace.setIcon(nullptr, path);

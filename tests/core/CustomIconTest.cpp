@@ -117,12 +117,15 @@ TEST_F(CustomIcon, AsksForTheParentFolderAndChangesNothingWhenRefused) {
   EXPECT_EQ(system_.panels.shown[0].directory->path(), "/home/ada/in");
 }
 
-TEST_F(CustomIcon, NeedsAnItem) {
+TEST_F(CustomIcon, NeedsAnItemAtAFullPath) {
   serve({{"Action", "customIcon"}, {"Tag", 1}});
-  serve({{"Action", "customIcon"}, {"SelectedFile", ""}, {"Tag", 1}});
-  EXPECT_THAT(system_.log.lines(),
-              ElementsAre("customIcon: no item given", "customIcon: no item given"));
+  for (const char* path : {"", "folder", "~/folder"}) {
+    serve({{"Action", "customIcon"}, {"SelectedFile", path}, {"Tag", 1}});
+  }
+  EXPECT_EQ(system_.log.lines(),
+            std::vector<std::string>(4, "customIcon: no item at a full path given"));
   EXPECT_THAT(system_.panels.shown, IsEmpty());
+  EXPECT_THAT(images(), IsEmpty());
 }
 
 }  // namespace

@@ -73,9 +73,10 @@ def selection(*paths):
 
 
 class Session:
-    """Use as a context manager."""
+    """Use as a context manager. With file metadata, GIO keeps them as on a whole desktop."""
 
-    def __init__(self):
+    def __init__(self, file_metadata=False):
+        self._file_metadata = file_metadata
         self._cleanup = contextlib.ExitStack()
         self.hosts = []
 
@@ -148,6 +149,11 @@ class Session:
             "PULSE_SERVER": f"unix:{self.runtime}/pulse",
             "QT_QPA_PLATFORM": "xcb",
         }
+        if self._file_metadata:
+            del self.environment["GIO_USE_VFS"]
+            for name in ("Daemon", "Metadata"):
+                shutil.copy(f"/usr/share/dbus-1/services/org.gtk.vfs.{name}.service",
+                            self.services)
         self._start_display()
         self._bus = self._start_bus("bus", self.services)
         self._install_service_files()
@@ -435,8 +441,11 @@ def end_program(program):
 class HostTest(unittest.TestCase):
     """A test case with a session of its own."""
 
+    # Whether GIO keeps metadata of files.
+    file_metadata = False
+
     def setUp(self):
-        self.session = Session()
+        self.session = Session(self.file_metadata)
         self.enterContext(self.session)
 
     def tearDown(self):

@@ -1,6 +1,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/inotify.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -143,6 +144,18 @@ TEST_F(ItemIconsTest, aGrantedFolderItselfCanGetAnIcon) {
   grant(alone);
   EXPECT_TRUE(set("red", alone));
   EXPECT_TRUE(fs::exists(alone + "/.directory"));
+}
+
+TEST_F(ItemIconsTest, windowsThatWatchAnItemAreTold) {
+  const std::string file = scratch_ / "granted/file";
+  test::writeFile(file, "");
+  ::chmod(file.c_str(), 0604);
+  const FileDescriptor events(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+  ASSERT_GE(::inotify_add_watch(events.get(), file.c_str(), IN_ATTRIB), 0);
+  remove(file);
+  inotify_event event{};
+  EXPECT_EQ(::read(events.get(), &event, sizeof event), static_cast<ssize_t>(sizeof event));
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms{0604});
 }
 
 TEST_F(ItemIconsTest, aReadOnlyFolderKeepsItsIcon) {

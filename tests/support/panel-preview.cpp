@@ -1,7 +1,8 @@
 // Shows one of the program's windows, to be looked at:
-//   panel-preview access PATH | folders PATH | alert | light | dark
+//   panel-preview access PATH | folders PATH | save PATH [dark] | alert | light | dark
 
 #include <QApplication>
+#include <QPalette>
 #include <cstdio>
 #include <string>
 
@@ -54,6 +55,23 @@ int showFolderChooser(const std::string& path) {
   return QApplication::exec();
 }
 
+int showSavePanel(const std::string& path) {
+  tavrin::LinuxPanelProvider provider({}, {});
+  const auto panel = provider.savePanel();
+  const std::vector<std::string> formats = {"txt", "md", "odt", "html"};
+  panel->setTitle("Create New File");
+  panel->setDirectoryURL(FileURL::fileURLWithPath(path));
+  panel->setNameFieldStringValue("untitled");
+  panel->setAllowedFileTypes({formats.front()});
+  panel->setAccessoryView({"Format:", formats, [&](std::size_t index) {
+                             panel->setAllowedFileTypes({formats[index]});
+                             panel->validateVisibleColumns();
+                           }});
+  const bool isPicked = panel->runModal() == tavrin::SavePanel::Response::OK;
+  if (isPicked) std::printf("%s\n", panel->url()->absoluteString().c_str());
+  return isPicked ? 0 : 1;
+}
+
 int showAlert() {
   tavrin::LinuxAlert alert;
   alert.setAlertStyle(tavrin::Alert::Style::Warning);
@@ -83,6 +101,9 @@ int main(int argc, char** argv) {
   const std::string what = argc > 1 ? argv[1] : "light";
   if (what == "access") return showAccessPanel(argc > 2 ? argv[2] : "/usr/share");
   if (what == "folders") return showFolderChooser(argc > 2 ? argv[2] : "/usr");
+  if (argc > 3)
+    QApplication::setPalette(QPalette(QColor(0x35, 0x36, 0x3a), QColor(0x26, 0x27, 0x2b)));
+  if (what == "save") return showSavePanel(argc > 2 ? argv[2] : "/usr");
   if (what == "alert") return showAlert();
   return showWindow(what == "dark");
 }

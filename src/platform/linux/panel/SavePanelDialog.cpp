@@ -146,7 +146,7 @@ bool SavePanelDialog::agreesToReplace(const std::string& name) {
   QMessageBox box(this);
   box.setObjectName(QStringLiteral("replaceQuestion"));
   box.setIcon(QMessageBox::Warning);
-  box.setWindowTitle(windowTitle());
+  box.setWindowTitle(QCoreApplication::applicationName());
   box.setTextFormat(Qt::PlainText);
   box.setText(QCoreApplication::translate("Tavrin", "%1 already exists. Do you want to replace it?")
                   .arg(quoted(name)));

@@ -77,7 +77,7 @@ std::shared_ptr<SavePanel> AppDelegate::makeFormatPanel(const std::string& folde
                                                         std::vector<std::string> extensions) {
   const Bundle& bundle = platform_.bundle;
   offeredExtensions_ = std::move(extensions);
-  const auto panel = platform_.panels.savePanel();
+  auto panel = platform_.panels.savePanel();
   panel->setLevel(panelLevel);
   panel->setAllowsOtherFileTypes(false);
   panel->setTitle(bundle.localizedString("Create New File"));

@@ -22,9 +22,9 @@ struct ResolvedBookmark {
 /// A URL can be granted in two ways: the user picked it in a panel, which starts its scope at once,
 /// or an authentic bookmark of it was resolved. Only a granted URL, or one below a started scope,
 /// can be bookmarked or started. A place that the user picked in a save panel is no item yet: it
-/// grants the creation of a file of that name in that folder, and nothing else of the folder. A URL with symbolic links stands for the item that they lead to;
-/// a granted URL has none, and counts as not granted while a link in its path leads elsewhere.
-/// Safe to call on any thread.
+/// grants the creation of a file of that name in that folder, and nothing else of the folder. A URL
+/// with symbolic links stands for the item that they lead to; a granted URL has none, and counts as
+/// not granted while a link in its path leads elsewhere. Safe to call on any thread.
 class SecurityScope {
  public:
   virtual ~SecurityScope() = default;

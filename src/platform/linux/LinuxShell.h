@@ -13,7 +13,7 @@ namespace tavrin {
 /// Scripts run by the helper `tavrin-shell`, a process of its own that gives up its rights and then
 /// calls system(). Only the helper is confined, so no thread of the host is in the way. It gets the
 /// writable folder as the handle of the started scope, an environment without the addresses of the
-/// session's services, "/" as its folder and nothing to read.
+/// session's services, "/" as its folder and nothing to read. Used on one thread.
 class LinuxShell final : public Shell {
  public:
   /// `moduleFolder` holds the helper and the folder "tools"; the others outlive this object.

@@ -116,7 +116,8 @@ class RequestTool(HostTest):
                       ("customIcon", "Tag=99999999999999999999"), ("copyFilesTo", "Tpath=/"),
                       ("copyFilesTo", "Action=x"), ("copyFilesTo", "ToPath=/", "ToPath=/"),
                       ("copyFilesTo", "SelectedFilesUrl=file:///a", "a"),
-                      ("copyFilesTo", "--files0-from="), ("copyFilesTo", "--files0-from=missing")):
+                      ("copyFilesTo", "-", "--files0-from=-"), ("copyFilesTo", "--files0-from="),
+                      ("copyFilesTo", "--files0-from=missing")):
             with self.subTest(words):
                 output, complaint = self.run_tool(*words, status=2)
                 self.assertEqual((output, complaint.count("\n")), ("", 1), complaint)

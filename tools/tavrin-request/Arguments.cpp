@@ -68,12 +68,10 @@ std::optional<PropertyList> valueOfKey(std::string_view key, std::string_view te
 
 /// Takes one word before the "--". Returns what is wrong with it; "" for nothing.
 std::string takeWord(Order& order, const std::string& word) {
-  if (word == "-") {
-    order.nameFile = word;
-    return "";
-  }
-  if (word.starts_with(nameFileOption)) {
-    order.nameFile = word.substr(nameFileOption.size());
+  const bool isOption = word.starts_with(nameFileOption);
+  if (word == "-" || isOption) {
+    if (!order.nameFile.empty()) return "names are read from one place only";
+    order.nameFile = isOption ? word.substr(nameFileOption.size()) : word;
     return order.nameFile.empty() ? "a file of names is missing" : "";
   }
   if (word.starts_with("-")) return "unknown option " + word;

@@ -2,6 +2,7 @@
 #include <utility>
 #include <vector>
 
+#include "actions/FolderAccess.h"
 #include "app/AppDelegate.h"
 #include "foundation/PathString.h"
 #include "sandbox/NSPanels.h"
@@ -20,13 +21,12 @@ void AppDelegate::sendItem(const std::string& sourcePath, const std::string& des
   ++successCounter_;
 }
 
-void AppDelegate::accessParentOfItem(std::string_view urlString,
+void AppDelegate::accessParentOfItem(FolderAccess& folders, std::string_view urlString,
                                      const std::function<void(const std::string& path)>& work) {
   const auto url = FileURL::urlWithString(urlString);
   if (!url) return logFailure("no file URL: " + std::string(urlString));
   const std::string& path = url->path();
-  const bool granted = fileAccess_->accessFilePath(deletingLastPathComponent(path),
-                                                   PersistPermission::Yes, [&] { work(path); });
+  const bool granted = folders.accessFilePath(deletingLastPathComponent(path), [&] { work(path); });
   if (!granted) logFailure("no access to the folder of " + path);
 }
 
@@ -38,11 +38,12 @@ void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
   const std::string folder = expandingHome(toPath.value_or(""), homePath());
 
   successCounter_ = 0;
+  FolderAccess folders(*fileAccess_, platform_.fileManager);
   for (const std::string_view item : items) {
     if (!toPath) break;
-    accessParentOfItem(item, [&](const std::string& source) {
-      const bool granted = fileAccess_->accessFilePath(folder, PersistPermission::Yes,
-                                                       [&] { sendItem(source, folder, isCopy); });
+    accessParentOfItem(folders, item, [&](const std::string& source) {
+      const bool granted =
+          folders.accessFilePath(folder, [&] { sendItem(source, folder, isCopy); });
       if (!granted) logFailure("no access to " + folder);
     });
   }
@@ -65,8 +66,10 @@ void AppDelegate::sendFilesToCustom(const ActionRequest& request, IsCopy isCopy)
 void AppDelegate::sendItemsToChosenFolder(const std::vector<std::string_view>& items,
                                           const std::string& folder, IsCopy isCopy) {
   successCounter_ = 0;
+  FolderAccess folders(*fileAccess_, platform_.fileManager);
   for (const std::string_view item : items) {
-    accessParentOfItem(item, [&](const std::string& source) { sendItem(source, folder, isCopy); });
+    accessParentOfItem(folders, item,
+                       [&](const std::string& source) { sendItem(source, folder, isCopy); });
   }
   playResultSound(items.size(), successSound_);
 }

@@ -142,7 +142,7 @@ class AppDelegate final : public ApplicationDelegate {
                                const std::string& folder, IsCopy isCopy);
   /// Runs `work` with the path of a selected item inside a grant of its parent folder. Without an
   /// item or a grant only the log hears of it.
-  void accessParentOfItem(std::string_view urlString,
+  void accessParentOfItem(FolderAccess& folders, std::string_view urlString,
                           const std::function<void(const std::string& path)>& work);
   /// Runs `work` with the path of an item inside a grant of the folder that its URL names. Without
   /// an item or a grant only the log hears of it.

@@ -53,6 +53,7 @@ TEST_F(SendFiles, MovesUnderFreeNames) {
   EXPECT_FALSE(files().fileExistsAtPath("/home/ada/in/folder"));
   EXPECT_FALSE(files().fileExistsAtPath("/home/ada/in/b.txt"));
   EXPECT_EQ(system_.sounds.played, success);
+  EXPECT_EQ(files().movesOutsideBatches(), 0) << "each would write the lists of hidden names";
 }
 
 TEST_F(SendFiles, CopiesBesideTheOriginalAndExpandsTheHome) {

@@ -291,6 +291,7 @@ Status FakeFileManager::copyItemAtPath(const std::string& source, const std::str
 
 Status FakeFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {
   if (const auto injected = fault("move", source, destination)) return *injected;
+  if (batches_.use_count() == 1) ++movesOutsideBatches_;
   const auto from = place("move", source, Access::Change);
   if (!from) return from.error();
   const auto& item = from.value().item;
@@ -324,7 +325,7 @@ Status FakeFileManager::setHiddenAtPath(const std::string& path, IsHidden isHidd
 }
 
 FileManager::Batch FakeFileManager::batch() {
-  return std::make_shared<int>(0);
+  return batches_;
 }
 
 std::optional<std::string> FakeFileManager::containerPathForSecurityApplicationGroupIdentifier(

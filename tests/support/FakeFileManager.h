@@ -58,6 +58,8 @@ class FakeFileManager final : public FileManager {
   /// Where the symbolic link at a path points; nothing when there is none.
   std::optional<std::string> targetOfSymlink(const std::string& path) const;
   bool isHidden(const std::string& path) const;
+  /// How many items were moved while no batch held their folders.
+  int movesOutsideBatches() const { return movesOutsideBatches_; }
   /// The paths of all items but "/", sorted. No link is followed.
   std::vector<std::string> allPaths() const;
   /// A number that is the item's own as long as it exists and no other's ever; nothing for a path
@@ -110,6 +112,8 @@ class FakeFileManager final : public FileManager {
   std::string resourceFolder_;
   mutable std::optional<std::errc> nextFault_;
   std::map<std::string, std::errc> faults_;
+  Batch batches_ = std::make_shared<int>(0);
+  int movesOutsideBatches_ = 0;
 };
 
 }  // namespace tavrin

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <unordered_map>
 #include <utility>
 
@@ -94,22 +95,20 @@ Result<std::string> HiddenNames::read() const {
 }
 
 Status HiddenNames::load() {
-  // A name that waits to be hidden is found in the list only.
-  if (changes_.hidesAny()) {
-    if (Status written = write(); !written) return written;
-  }
   if (isLoaded_) return success();
   auto list = read();
   if (!list) return list.error();
   list_ = std::move(list).value();
   forEachLine(list_, [&](std::string_view line) { names_.insert(line); });
   isLoaded_ = true;
+  // Before, nothing can have been shown, which asks for the list.
+  for (std::string& name : changes_.names(SIZE_MAX)) newNames_.insert(std::move(name));
   return success();
 }
 
 Result<bool> HiddenNames::contains(const std::string& name) {
   if (Status loaded = load(); !loaded) return loaded.error();
-  return names_.contains(name);
+  return names_.contains(name) || newNames_.contains(name);
 }
 
 Status HiddenNames::set(const std::string& name, IsHidden isHidden) {
@@ -122,6 +121,9 @@ Status HiddenNames::set(const std::string& name, IsHidden isHidden) {
     if (!isListed) return isListed.error();
     if (!isListed.value()) return success();
     names_.erase(name);
+    newNames_.erase(name);
+  } else if (isLoaded_) {
+    newNames_.insert(name);
   }
   changes_.add(name, isHidden);
   return success();
@@ -157,6 +159,7 @@ void HiddenNames::forget() {
   changes_.clear();
   isLoaded_ = false;
   names_ = {};
+  newNames_ = {};
   list_ = std::string();
 }
 

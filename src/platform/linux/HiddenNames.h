@@ -17,8 +17,6 @@ class HiddenNameChanges {
  public:
   void add(std::string_view name, IsHidden isHidden);
   bool isEmpty() const { return changes_.empty(); }
-  /// Whether a name that is to be hidden is among them.
-  bool hidesAny() const { return hidesAny_; }
 
   /// The list, one name a line, after the changes: other lines stay as they are, and names that
   /// come to it follow at its end. "" when no name is left.
@@ -67,6 +65,8 @@ class HiddenNames {
   bool isLoaded_ = false;
   std::string list_;
   std::unordered_set<std::string_view> names_;
+  /// Names that wait to be hidden, once the list was read.
+  std::unordered_set<std::string> newNames_;
 };
 
 /// The name of the list.

@@ -119,6 +119,22 @@ TEST_F(HiddenFlag, ABatchWritesOnceAtItsEnd) {
   EXPECT_EQ(read("out/.hidden"), "c\n");
 }
 
+TEST_F(HiddenFlag, ABatchKnowsItsOwnChangesWithoutWriting) {
+  for (const char* item : {"in/a", "in/b"}) ASSERT_TRUE(hide(item));
+  write("out/.hidden", "b\nother\n");
+  auto batch = files_.batch();
+  EXPECT_TRUE(move("in/a", "out/a"));
+  EXPECT_TRUE(show("out/a"));
+  EXPECT_TRUE(hide("in/c"));
+  EXPECT_TRUE(move("in/c", "in/renamed"));
+  EXPECT_TRUE(move("in/b", "out/b"));
+  EXPECT_EQ(read("in/.hidden"), "a\nb\n");
+  EXPECT_EQ(read("out/.hidden"), "b\nother\n");
+  batch.reset();
+  EXPECT_EQ(read("in/.hidden"), "renamed\n");
+  EXPECT_EQ(read("out/.hidden"), "b\nother\n");
+}
+
 TEST_F(HiddenFlag, ABatchForgetsAFolderThatItMovesOrRemoves) {
   auto batch = files_.batch();
   EXPECT_TRUE(hide("in/a"));

@@ -1,6 +1,8 @@
 #include "menu/RequestSending.h"
 
 #include <memory>
+#include <mutex>
+#include <thread>
 #include <utility>
 
 #include "foundation/FileURL.h"
@@ -69,25 +71,50 @@ Status writeAndSend(const PropertyList& request, std::chrono::milliseconds patie
   return askToOpen(connection.value().get(), file.value().path(), patience);
 }
 
+/// A request on its way on another thread. The mutex orders the two threads, whoever lets go last.
 struct Sending {
-  PropertyList request;
-  RequestCompletion completion;
-  Status outcome = success();
+  Sending(PropertyList whatToSend, RequestCompletion whenSent)
+      : request(std::move(whatToSend)),
+        completion(std::move(whenSent)),
+        context(g_main_context_ref_thread_default()) {}
+
+  std::mutex mutex;
+  const PropertyList request;
+  const RequestCompletion completion;
+  /// The caller's.
+  const GLibPointer<GMainContext> context;
+  Status outcome = systemError("start", "a thread", EAGAIN);
 };
 
-void runInThread(GTask* task, gpointer, gpointer data, GCancellable*) {
+gboolean complete(gpointer data) {
   auto* sending = static_cast<Sending*>(data);
-  sending->outcome = sendRequest(sending->request);
-  g_task_return_boolean(task, TRUE);
-}
-
-void finish(GObject*, GAsyncResult* result, gpointer) {
-  const auto* sending = static_cast<Sending*>(g_task_get_task_data(G_TASK(result)));
+  const std::lock_guard lock(sending->mutex);
   try {
     if (sending->completion) sending->completion(sending->outcome);
   } catch (...) {
     g_warning("the receiver of a request's outcome failed");
   }
+  return G_SOURCE_REMOVE;
+}
+
+void dispose(gpointer data) {
+  const std::unique_ptr<Sending> sending(static_cast<Sending*>(data));
+  const std::lock_guard lock(sending->mutex);
+}
+
+/// Hands over to the caller's loop, which disposes of it: the mutex must be held.
+void completeInLoop(Sending* sending) {
+  GSource* source = g_idle_source_new();
+  g_source_set_priority(source, G_PRIORITY_DEFAULT);
+  g_source_set_callback(source, complete, sending, dispose);
+  g_source_attach(source, sending->context.get());
+  g_source_unref(source);
+}
+
+void sendAndComplete(Sending* sending) {
+  const std::lock_guard lock(sending->mutex);
+  sending->outcome = sendRequest(sending->request);
+  completeInLoop(sending);
 }
 
 }  // namespace
@@ -101,13 +128,14 @@ Status sendRequest(const PropertyList& request, std::chrono::milliseconds patien
 }
 
 void sendRequestAsync(PropertyList request, RequestCompletion completion) noexcept {
-  GTask* task = g_task_new(nullptr, nullptr, finish, nullptr);
   // Without memory GLib ends the process as well.
-  auto sending = std::make_unique<Sending>(Sending{std::move(request), std::move(completion)});
-  g_task_set_task_data(task, sending.release(),
-                       [](gpointer data) { delete static_cast<Sending*>(data); });
-  g_task_run_in_thread(task, runInThread);
-  g_object_unref(task);
+  auto* sending = std::make_unique<Sending>(std::move(request), std::move(completion)).release();
+  try {
+    std::thread(sendAndComplete, sending).detach();
+  } catch (...) {
+    const std::lock_guard lock(sending->mutex);
+    completeInLoop(sending);
+  }
 }
 
 }  // namespace tavrin

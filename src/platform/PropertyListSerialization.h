@@ -31,8 +31,8 @@ class PropertyListSerialization {
 
   /// Reads the property list in a file that the user or the system handed to the program, which
   /// needs no security scope. Never blocks: anything but a regular file (after symbolic links) is
-  /// refused, as is one larger than maximumFileSize. A file that the program was asked to open reads
-  /// as it was when the asking was accepted, once for each time it was.
+  /// refused, as is one larger than maximumFileSize. A file that the program was asked to open
+  /// reads as it was when the asking was accepted, once for each time it was.
   virtual Result<PropertyList> propertyListWithContentsOfFile(const std::string& path) = 0;
 };
 

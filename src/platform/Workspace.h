@@ -18,16 +18,17 @@ class Workspace {
   virtual void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) = 0;
 
   /// Opens the item at `path` (absolute) in the application of that name ("Sublime Text"), which is
-  /// started if need be (openFile:withApplication:). True when it was; false when the application is
-  /// not installed, of which nothing is told, or when it cannot be started, which reaches the log.
+  /// started if need be (openFile:withApplication:). True when it was; false when the application
+  /// is not installed, of which nothing is told, or when it cannot be started, which reaches the
+  /// log.
   virtual bool openFileWithApplication(const std::string& path,
                                        const std::string& applicationName) = 0;
 
-  /// Makes an image the icon that file managers show for the file or folder at `path` (absolute), or
-  /// with null gives it back its standard icon (setIcon:forFile:options:). Needs a started scope
-  /// that covers the item; the item itself is not followed when it is a symbolic link. What the user
-  /// keeps in the folder stays, and a removed icon leaves nothing behind there. True when some file
-  /// manager of the system will show it; a failure reaches the log.
+  /// Makes an image the icon that file managers show for the file or folder at `path` (absolute),
+  /// or with null gives it back its standard icon (setIcon:forFile:options:). Needs a started scope
+  /// that covers the item; the item itself is not followed when it is a symbolic link. What the
+  /// user keeps in the folder stays, and a removed icon leaves nothing behind there. True when some
+  /// file manager of the system will show it; a failure reaches the log.
   virtual bool setIcon(const Image* image, const std::string& path) = 0;
 
   /// Opens a window of the file viewer in which the item at `path` is selected; `rootPath` is the

@@ -13,8 +13,8 @@
 #include "tests/support/FakePropertyLists.h"
 #include "tests/support/FakeSecurityScope.h"
 #include "tests/support/FakeServices.h"
-#include "tests/support/FakeUniformTypes.h"
 #include "tests/support/FakeShell.h"
+#include "tests/support/FakeUniformTypes.h"
 #include "tests/support/FakeUserDefaults.h"
 
 namespace tavrin {

@@ -247,6 +247,20 @@ class Sips(ToolTest):
                 self.assertLess(usage.ru_maxrss * 1024, 100 * MEBIBYTE)
                 self.assertFalse(self.path("out.png").exists())
 
+    def test_a_drawing_that_would_take_for_ever_is_given_up(self):
+        self.path("a.svg").write_text(
+            '<svg xmlns="http://www.w3.org/2000/svg" width="500" height="500"><filter id="f">'
+            '<feTurbulence numOctaves="1000000000"/></filter>'
+            '<rect width="500" height="500" filter="url(#f)"/></svg>')
+
+        def allow_a_second():
+            resource.setrlimit(resource.RLIMIT_CPU, (1, resource.RLIM_INFINITY))
+
+        complaint = self.sips(16, 16, self.path("a.svg"), self.path("out.png"), status=1,
+                              preexec_fn=allow_a_second)
+        self.assertIn("takes too long", complaint)
+        self.assertEqual(os.listdir(self.folder), ["a.svg"])
+
     def test_what_is_no_sound_image_leaves_everything_as_it_was(self):
         png = self.make_quadrants("good.png", "600x600").read_bytes()
         jpeg = self.make_quadrants("good.jpg", "600x600").read_bytes()

@@ -19,7 +19,8 @@ camera noted is applied, other notes are not kept.
 OUTPUT (-o, --out) is a file, which is replaced, or a folder that is there, in
 which the file gets the name of IMAGE. Either way it holds PNG data.
 
-Images of more than 268435456 pixels (16384 x 16384) are refused.
+Images of more than 268435456 pixels (16384 x 16384) are refused, and given up
+when they take more than a minute of the processor's time.
 
 Exit status: 0 done, 1 failed, 2 wrong usage.
 )";

@@ -1,6 +1,11 @@
+#include <sys/resource.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <csignal>
 #include <cstdio>
+#include <string_view>
 
 #include "icons/Files.h"
 #include "icons/Version.h"
@@ -14,6 +19,24 @@ namespace {
 
 constexpr int failed = 1;
 constexpr int wrongUsage = 2;
+
+// Twenty times what the largest photograph takes. A drawing of a few bytes can ask for years.
+constexpr rlim_t mostProcessorSeconds = 60;
+
+void giveUp(int /*signal*/) {
+  constexpr std::string_view message = "sips: the image takes too long\n";
+  [[maybe_unused]] const ssize_t written = ::write(STDERR_FILENO, message.data(), message.size());
+  ::_exit(failed);
+}
+
+/// A lower limit that the caller has set stays.
+void limitTime() {
+  std::signal(SIGXCPU, giveUp);
+  rlimit limit{};
+  if (::getrlimit(RLIMIT_CPU, &limit) != 0) return;
+  limit.rlim_cur = std::min(limit.rlim_cur, mostProcessorSeconds);
+  ::setrlimit(RLIMIT_CPU, &limit);
+}
 
 /// The file to write: a folder that is there takes it under the image's name.
 std::string outputFile(const Request& request) {
@@ -56,6 +79,7 @@ int run(const std::vector<std::string>& words) {
   if (request->command == Request::Command::Version) {
     return std::printf("sips %s\n", icons::version()) < 0;
   }
+  limitTime();
   if (scale(*request, mistake)) return 0;
   icons::complain("sips", mistake);
   return failed;

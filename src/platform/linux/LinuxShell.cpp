@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <csignal>
 #include <cstdlib>
 #include <optional>
 #include <string_view>
@@ -126,7 +127,14 @@ std::vector<std::string_view> linesOf(std::string_view report) {
   return lines;
 }
 
+/// Waits for a helper, and ends what its script left running behind it.
 std::optional<int> waitForEnd(pid_t child) {
+  siginfo_t end;
+  while (::waitid(P_PID, static_cast<id_t>(child), &end, WEXITED | WNOWAIT) != 0 &&
+         errno == EINTR) {
+  }
+  // As long as the helper is not waited for, its number is nobody else's.
+  ::kill(-child, SIGKILL);
   int status = 0;
   pid_t ended = 0;
   do {

@@ -114,6 +114,17 @@ TEST_F(LinuxShellTest, TheHostStaysAsItWas) {
   EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1) << "no child is left";
 }
 
+TEST_F(LinuxShellTest, NothingOfTheScriptRunsOn) {
+  EXPECT_EQ(run("sleep 1000 & echo $! > " + granted() + "/number"), 0);
+  const std::string process = "/proc/" + std::to_string(std::stoi(textOf(granted() + "/number")));
+  const auto isGone = [&process] {
+    const std::string status = textOf(process + "/stat");
+    return status.empty() || status.find(") Z ") != std::string::npos;
+  };
+  for (int waits = 0; waits < 1000 && !isGone(); ++waits) ::usleep(10'000);
+  EXPECT_TRUE(isGone());
+}
+
 TEST_F(LinuxShellTest, AFailureToStartHasItsCause) {
   const auto causeOf = [](const Result<int>& result) {
     return result ? std::error_code() : result.error().code;

@@ -4,9 +4,8 @@ namespace tavrin {
 
 void AppDelegate::openIn(const std::optional<std::string>& path, const std::string& appName) {
   if (!path) return logFailure("no folder given");
-  fileAccess_->accessFilePath(*path, PersistPermission::Yes, [&] {
-    platform_.workspace.openFileWithApplication(*path, appName);
-  });
+  fileAccess_->accessFilePath(*path, PersistPermission::Yes,
+                              [&] { platform_.workspace.openFileWithApplication(*path, appName); });
 }
 
 void AppDelegate::openFile(const std::optional<std::string>& file,

@@ -42,6 +42,7 @@ class Grants(Access):
         self.session.wait_for_sounds(DONE)
         self.assertEqual(set(self.session.grants()), {str(self.source.parent), str(self.there)})
         self.copy()
+        self.session.wait_for_sounds(DONE, DONE)
         self.restart()
         self.copy()
         self.session.wait_for_sounds(DONE, DONE, DONE)

@@ -19,8 +19,8 @@ Status createFile(const ItemReference& item, const PropertyList::Data& contents)
 /// Creates a file as createFile does, or puts it in the place of what has the name: by one rename,
 /// after its bytes are durable, so that a power cut leaves the old item or the new one. A link is
 /// replaced itself, a folder not (is_a_directory). A process that is killed in the middle leaves a
-/// partial item that `partials` knows of. With `rights` the file has the mode and, where the user may
-/// give files away, the owner of that status.
+/// partial item that `partials` knows of. With `rights` the file has the mode and, where the user
+/// may give files away, the owner of that status.
 Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& contents,
                            const PartialItems& partials,
                            const std::optional<struct stat>& rights = std::nullopt);

@@ -25,7 +25,7 @@ FolderListModel::FolderListModel(PanelRules rules, HiddenFiles hiddenFiles, QObj
 Status FolderListModel::setFolder(const std::string& path, const std::string& nameToShow) {
   const auto opened = open(path);
   auto listing = opened ? listFolder(opened.value()->item(), path, hiddenFiles_)
-                        : Result<std::vector<FolderEntry>>(opened.error());
+                        : Result<std::vector<PanelEntry>>(opened.error());
   beginResetModel();
   folder_ = FileURL::fileURLWithPath(path);
   rows_.clear();
@@ -58,16 +58,16 @@ bool FolderListModel::isAsShown(const FileURL& url, const FileIdentity& identity
   return !row || detailsOf(rowAt(*row)).identity == identity;
 }
 
-void FolderListModel::addHiddenName(std::vector<FolderEntry>& entries,
+void FolderListModel::addHiddenName(std::vector<PanelEntry>& entries,
                                     const std::string& name) const {
-  const auto sameName = [&name](const FolderEntry& entry) { return entry.name == name; };
+  const auto sameName = [&name](const PanelEntry& entry) { return entry.name == name; };
   if (std::any_of(entries.begin(), entries.end(), sameName)) return;
   struct stat status {};
   if (::fstatat(openFolder_->item(), name.c_str(), &status, 0) != 0) return;
   entries.push_back({name, S_ISDIR(status.st_mode)});
 }
 
-std::vector<FolderListModel::Row> FolderListModel::sortedRows(std::vector<FolderEntry> entries) {
+std::vector<FolderListModel::Row> FolderListModel::sortedRows(std::vector<PanelEntry> entries) {
   QCollator collator;
   collator.setNumericMode(true);
   collator.setCaseSensitivity(Qt::CaseInsensitive);
@@ -75,7 +75,7 @@ std::vector<FolderListModel::Row> FolderListModel::sortedRows(std::vector<Folder
   std::vector<QCollatorSortKey> keys;
   names.reserve(entries.size());
   keys.reserve(entries.size());
-  for (const FolderEntry& entry : entries) {
+  for (const PanelEntry& entry : entries) {
     names.push_back(displayName(entry.name));
     keys.push_back(collator.sortKey(names.back()));
   }

@@ -12,8 +12,8 @@
 #include "foundation/Result.h"
 #include "platform/linux/FileIdentity.h"
 #include "platform/linux/ScopeGrant.h"
-#include "platform/linux/panel/FolderListing.h"
 #include "platform/linux/panel/PanelIcons.h"
+#include "platform/linux/panel/PanelListing.h"
 #include "platform/linux/panel/PanelRules.h"
 
 namespace tavrin {
@@ -60,7 +60,7 @@ class FolderListModel final : public QAbstractTableModel {
     std::optional<FileIdentity> identity;
   };
   struct Row {
-    FolderEntry entry;
+    PanelEntry entry;
     QString name;
     std::optional<Details> details;
   };
@@ -71,8 +71,8 @@ class FolderListModel final : public QAbstractTableModel {
   Result<std::shared_ptr<const ScopeGrant>> open(const std::string& path) const;
   bool isAsShown(const FileURL& url, const FileIdentity& identity) const;
   QString textOf(const Row& row, int column) const;
-  void addHiddenName(std::vector<FolderEntry>& entries, const std::string& name) const;
-  static std::vector<Row> sortedRows(std::vector<FolderEntry> entries);
+  void addHiddenName(std::vector<PanelEntry>& entries, const std::string& name) const;
+  static std::vector<Row> sortedRows(std::vector<PanelEntry> entries);
 
   PanelRules rules_;
   HiddenFiles hiddenFiles_;

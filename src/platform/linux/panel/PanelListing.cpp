@@ -1,4 +1,4 @@
-#include "platform/linux/panel/FolderListing.h"
+#include "platform/linux/panel/PanelListing.h"
 
 #include <dirent.h>
 #include <fcntl.h>
@@ -68,8 +68,8 @@ bool isSelfOrParent(std::string_view name) {
 
 }  // namespace
 
-Result<std::vector<FolderEntry>> listFolder(int folder, const std::string& path,
-                                            HiddenFiles hiddenFiles) {
+Result<std::vector<PanelEntry>> listFolder(int folder, const std::string& path,
+                                           HiddenFiles hiddenFiles) {
   FileDescriptor reader(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   const Directory directory(reader ? ::fdopendir(reader.get()) : nullptr);
   if (!directory) return lastError("read folder", path);
@@ -77,7 +77,7 @@ Result<std::vector<FolderEntry>> listFolder(int folder, const std::string& path,
 
   const bool leaveOut = hiddenFiles == HiddenFiles::LeaveOut;
   const auto hidden = leaveOut ? hiddenNames(folder) : std::unordered_set<std::string>();
-  std::vector<FolderEntry> entries;
+  std::vector<PanelEntry> entries;
   // The directory is this call's own, so no other thread reads it.
   while (const dirent* item = ::readdir(directory.get())) {  // NOLINT(concurrency-mt-unsafe)
     std::string name = item->d_name;

@@ -8,7 +8,7 @@
 namespace tavrin {
 
 /// One item of a folder.
-struct FolderEntry {
+struct PanelEntry {
   std::string name;
   /// A folder, or a link to one.
   bool isFolder = false;
@@ -20,7 +20,7 @@ enum class HiddenFiles { LeaveOut, Include };
 /// and asks the disk about single items only where the
 /// folder itself does not tell their kind. Hidden are names with a leading "." and those that the
 /// folder's ".hidden" file names. `path` is for messages. Fails when the folder cannot be read.
-Result<std::vector<FolderEntry>> listFolder(int folder, const std::string& path,
-                                            HiddenFiles hiddenFiles);
+Result<std::vector<PanelEntry>> listFolder(int folder, const std::string& path,
+                                           HiddenFiles hiddenFiles);
 
 }  // namespace tavrin

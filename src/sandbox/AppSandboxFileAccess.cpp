@@ -10,6 +10,10 @@ namespace tavrin {
 
 namespace {
 
+// What follows goes up a path step by step, and each step costs as much as the path is long. No
+// real path comes near.
+constexpr std::size_t longestPath = std::size_t{128} << 10;
+
 std::string applicationName(const Bundle& bundle) {
   const auto displayName = bundle.objectForInfoDictionaryKey("CFBundleDisplayName");
   return descriptionOf(displayName ? displayName
@@ -115,6 +119,11 @@ bool AppSandboxFileAccess::usesStaleBookmark(const FileURL& requested,
 bool AppSandboxFileAccess::requestAccessPermissionsForFileURL(const FileURL& fileURL,
                                                               PersistPermission persistPermission,
                                                               const ScopedBlock& block) {
+  if (fileURL.path().size() > longestPath) {
+    platform_.log.write("no access to a path of " + std::to_string(fileURL.path().size()) +
+                        " bytes");
+    return false;
+  }
   const FileURL requested = FileURL::fileURLWithPath(
       platform_.fileManager.resolvingSymlinksInPath(fileURL.standardizingPath().path()));
   auto bookmark = bookmarkPersistanceDelegate()->bookmarkDataForURL(requested);

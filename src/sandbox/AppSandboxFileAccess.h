@@ -58,8 +58,9 @@ class AppSandboxFileAccess {
   std::optional<PropertyList::Data> persistPermissionURL(const FileURL& url);
   std::optional<PropertyList::Data> persistPermissionPath(const std::string& path);
 
-  /// Obtains access and calls `block`, which may be empty. False when the user cancelled. A stale
-  /// bookmark that still leads somewhere is made anew and stored whatever `persistPermission` says.
+  /// Obtains access and calls `block`, which may be empty. False when the user cancelled, and for a
+  /// path that is longer than any real one. A stale bookmark that still leads somewhere is made
+  /// anew and stored whatever `persistPermission` says.
   bool requestAccessPermissionsForFileURL(const FileURL& fileURL,
                                           PersistPermission persistPermission,
                                           const ScopedBlock& block);

@@ -122,6 +122,16 @@ TEST_F(FileAccess, NormalisesThePathBeforeItAsks) {
   EXPECT_TRUE(accessWithoutPanel("/elsewhere/../home/./ada/docs/"));
 }
 
+TEST_F(FileAccess, APathThatIsAbsurdlyLongGetsNoAccess) {
+  grant("/");
+  std::string path;
+  while (path.size() < 10'000'000) path += "/a";
+  EXPECT_FALSE(access_.accessFilePath(path, PersistPermission::Yes, [] {}));
+  EXPECT_EQ(system_.panels.shown.size(), 1U);
+  EXPECT_LT(system_.log.lines().back().size(), 100U);
+  EXPECT_TRUE(accessWithoutPanel(path.substr(0, 20'000)));
+}
+
 TEST_F(FileAccess, WithTheFlagOffTheBlockRunsWithoutABookmark) {
   system_.panels.answerWithPath("/home/ada/docs");
   bool ran = false;

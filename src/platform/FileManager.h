@@ -82,8 +82,8 @@ class FileManager {
   virtual Status removeItemAtPath(const std::string& path) = 0;
 
   /// Hides an item from file viewers, or shows it again (NSURLIsHiddenKey), without renaming it.
-  /// The flag is the item's: moving takes it along, removing drops it. Setting it as it is is
-  /// success.
+  /// The flag is the item's: moving takes it along, removing drops it, and a new file or a copy
+  /// does not have it. Setting it as it is is success.
   virtual Status setHiddenAtPath(const std::string& path, IsHidden isHidden) = 0;
 
   /// Keeps a series of operations together while it lives; batches may lie within each other.

@@ -64,8 +64,11 @@ void HeldFolders::letGo(HeldFolder& folder) {
 }
 
 void HeldFolders::letGoBelow(const ItemPlace& item) {
-  const auto isBelow = [&item](const auto& entry) {
-    return entry.second != item.folder && isPathAtOrBelow(entry.second->path, item.path);
+  const std::string realPath = appendingPathComponent(item.folder->path, item.name);
+  const auto isBelow = [&](const auto& entry) {
+    const auto& [heldPath, folder] = entry;
+    return folder != item.folder &&
+           (isPathAtOrBelow(folder->path, realPath) || isPathAtOrBelow(heldPath, item.path));
   };
   for (const auto& entry : held_) {
     if (isBelow(entry)) letGo(*entry.second);

@@ -111,8 +111,12 @@ Status LinuxFileManager::createFileAtPath(const std::string& path,
   const auto place = scopes_.locateForCreation(path);
   if (!place) return place.error();
   const ItemReference item = reference(place.value());
-  return replace == Replace::Yes ? createOrReplaceFile(item, contents, partialItems_)
-                                 : createFile(item, contents);
+  if (replace == Replace::Yes) return createOrReplaceFile(item, contents, partialItems_);
+  Status created = createFile(item, contents);
+  // What is picked in a panel is the file alone, not the folder's list.
+  const auto inFolder = created ? folders_.locate(path, ScopeAccess::Change) : created.error();
+  if (inFolder) noteHidingFailure(*inFolder.value().folder, dropHiddenName(inFolder.value()));
+  return created;
 }
 
 Status LinuxFileManager::createDirectoryAtPath(const std::string& path,
@@ -134,9 +138,11 @@ Status LinuxFileManager::createDirectoryAtPath(const std::string& path,
 Status LinuxFileManager::copyItemAtPath(const std::string& source, const std::string& destination) {
   const auto from = scopes_.locate(source, ScopeAccess::Read);
   if (!from) return from.error();
-  const auto to = scopes_.locate(destination, ScopeAccess::Change);
+  const auto to = folders_.locate(destination, ScopeAccess::Change);
   if (!to) return to.error();
-  return copyItem(reference(from.value()), reference(to.value()), partialItems_);
+  Status copied = copyItem(reference(from.value()), to.value().reference(), partialItems_);
+  if (copied) noteHidingFailure(*to.value().folder, dropHiddenName(to.value()));
+  return copied;
 }
 
 Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {

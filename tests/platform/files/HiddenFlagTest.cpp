@@ -104,6 +104,13 @@ TEST_F(HiddenFlag, AnItemIsNotHiddenByALineThatWasLeftBehind) {
   write("out/.hidden", "a\nother\n");
   EXPECT_TRUE(move("in/a", "out/a"));
   EXPECT_EQ(read("out/.hidden"), "other\n");
+  write("out/.hidden", "new\nother\ncopy\n");
+  EXPECT_TRUE(files_.createFileAtPath(scratch_ / "out/new", {}, FileManager::Replace::No));
+  EXPECT_EQ(read("out/.hidden"), "other\ncopy\n");
+  EXPECT_TRUE(files_.copyItemAtPath(scratch_ / "in/b", scratch_ / "out/copy"));
+  EXPECT_EQ(read("out/.hidden"), "other\n");
+  EXPECT_FALSE(files_.createFileAtPath(scratch_ / "out/other/new", {}, FileManager::Replace::No));
+  EXPECT_EQ(read("out/.hidden"), "other\n");
 }
 
 TEST_F(HiddenFlag, ABatchWritesOnceAtItsEnd) {
@@ -142,7 +149,16 @@ TEST_F(HiddenFlag, ABatchForgetsAFolderThatItMovesOrRemoves) {
   EXPECT_EQ(hide("in/b").error().code, std::errc::no_such_file_or_directory);
   EXPECT_EQ(move("in/b", "out/b").error().code, std::errc::no_such_file_or_directory);
   EXPECT_TRUE(hide("out/in/b"));
-  EXPECT_TRUE(files_.removeItemAtPath(scratch_ / "out/in"));
+  fs::create_directory_symlink(scratch_ / "out/in", scratch_ / "link");
+  EXPECT_TRUE(hide("link/c"));
+  EXPECT_TRUE(move("link", "moved link"));
+  EXPECT_EQ(hide("link/c").error().code, std::errc::no_such_file_or_directory);
+  fs::create_directory_symlink(scratch_ / "out", scratch_ / "link");
+  EXPECT_TRUE(hide("out/in/b"));
+  EXPECT_FALSE(hide("link/none"));
+  EXPECT_TRUE(move("link/in", "link/in 2"));
+  EXPECT_FALSE(hide("out/in/b"));
+  EXPECT_TRUE(files_.removeItemAtPath(scratch_ / "out/in 2"));
   batch.reset();
   EXPECT_FALSE(fs::exists(scratch_ / "out/in"));
   EXPECT_TRUE(log_.lines().empty()) << log_.lines().front();

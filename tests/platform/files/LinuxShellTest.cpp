@@ -217,6 +217,15 @@ TEST_P(HostileScript, ChangesNothingOutsideItsFolder) {
   EXPECT_TRUE(fs::exists(own + "/ran"));
 }
 
+TEST_P(HostileScript, EmptiesNoFileByOpeningItForAnythingButWriting) {
+  const std::string empty = "python3 -c 'import os; os.open(\"" + granted() + "/own\", ";
+  attack(empty + "os.O_RDONLY | os.O_TRUNC)' 2>/dev/null");
+  attack(empty + "os.O_WRONLY | os.O_RDWR | os.O_TRUNC)' 2>/dev/null");
+  EXPECT_EQ(textOf(granted() + "/own"), "own");
+  attack(empty + "os.O_WRONLY | os.O_TRUNC)'");
+  EXPECT_EQ(textOf(granted() + "/own"), "");
+}
+
 TEST_P(HostileScript, ReachesNoSocket) {
   const FileDescriptor local(::socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0));
   sockaddr_un localAddress{AF_UNIX, {}};

@@ -1,5 +1,6 @@
 #include "platform/linux/shell/CallFilter.h"
 
+#include <fcntl.h>
 #include <sched.h>
 #include <seccomp.h>
 
@@ -89,6 +90,21 @@ bool refuseByArguments(const Filter& filter) {
                             isOtherProcess) == 0;
 }
 
+/// Opening can empty a file that is not opened for writing, or for neither reading nor writing.
+/// Landlock knows of that from its third version on, and lets the last kind pass anywhere.
+bool refuseEmptyingByOpening(const Filter& filter) {
+  constexpr scmp_datum_t kinds = O_ACCMODE | O_TRUNC;
+  const auto refuseFlags = [&](int call, unsigned argument) {
+    const scmp_arg_cmp empties{argument, SCMP_CMP_MASKED_EQ, kinds, O_RDONLY | O_TRUNC};
+    const scmp_arg_cmp opensForNothing{argument, SCMP_CMP_MASKED_EQ, O_ACCMODE, O_ACCMODE};
+    return ::seccomp_rule_add(filter.get(), refused, call, 1, empties) == 0 &&
+           ::seccomp_rule_add(filter.get(), refused, call, 1, opensForNothing) == 0;
+  };
+  // The flags of openat2 cannot be seen from here; who uses it can do without.
+  return refuseFlags(SCMP_SYS(openat), 2) && refuseFlags(SCMP_SYS(open), 1) &&
+         ::seccomp_rule_add(filter.get(), SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(openat2), 0) == 0;
+}
+
 /// The C library knows what to do without them; the flags of clone3 cannot be seen from here.
 bool denyYoungCalls(const Filter& filter) {
   constexpr auto unknown = SCMP_ACT_ERRNO(ENOSYS);
@@ -107,7 +123,8 @@ int refuseOutsideCalls() {
   ::seccomp_attr_set(filter.get(), SCMP_FLTATR_ACT_BADARCH, SCMP_ACT_ERRNO(ENOSYS));
   const bool isComplete = refuse(filter, networkAndServices) && refuse(filter, otherProcesses) &&
                           refuse(filter, fileAttributes) && refuse(filter, mountsAndNamespaces) &&
-                          refuseByArguments(filter) && denyYoungCalls(filter);
+                          refuseByArguments(filter) && refuseEmptyingByOpening(filter) &&
+                          denyYoungCalls(filter);
   return isComplete ? -::seccomp_load(filter.get()) : EINVAL;
 }
 

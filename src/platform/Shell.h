@@ -22,8 +22,8 @@ class Shell {
   ///
   /// Returns the shell's exit status; 128 and the signal's number when a signal ended it. Fails
   /// when the script could not be started: with permission_denied when no scope covers the folder,
-  /// with invalid_argument for a script with a NUL byte, else with the system's cause. What the
-  /// script prints to its standard error goes to the program's own.
+  /// with invalid_argument for a script with a NUL byte, else with the system's cause. The
+  /// first lines that the script prints go to the log.
   virtual Result<int> system(const std::string& script, const std::string& writableFolder) = 0;
 };
 

@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxShell.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -26,6 +27,11 @@ namespace {
 
 constexpr int aboveTheHelpers = shell_protocol::folderDescriptor + 1;
 constexpr std::size_t longestReport = 4096;
+constexpr std::size_t longestOutput = 16384;
+constexpr std::size_t mostOutputLines = 20;
+// What a pipe can still hold when nobody writes any more.
+constexpr int piecesOfAPipe = 16;
+constexpr std::size_t longestPiece = 4096;
 
 struct Pipe {
   FileDescriptor readEnd;
@@ -104,25 +110,55 @@ class SpawnSettings {
   posix_spawnattr_t attributes_{};
 };
 
-/// Reads to the end, which is the helper's end. Keeps no more than a report may hold.
-std::string readReport(int descriptor) {
-  std::string report;
-  std::array<char, 1024> piece{};
-  for (;;) {
-    const ssize_t size = ::read(descriptor, piece.data(), piece.size());
-    if (size < 0 && errno == EINTR) continue;
-    if (size <= 0) return report;
-    report.append(piece.data(), static_cast<std::size_t>(size));
-    if (report.size() > longestReport) report.resize(longestReport);
+/// What comes from a pipe, up to a length; the rest is read and dropped.
+class Listener {
+ public:
+  Listener(const FileDescriptor& readEnd, std::size_t longest)
+      : descriptor_(readEnd.get()), longest_(longest) {}
+
+  const std::string& text() const { return text_; }
+  bool hasEnded() const { return descriptor_ < 0; }
+  pollfd waiting() const { return {descriptor_, POLLIN, 0}; }
+
+  void readPiece() {
+    std::array<char, longestPiece> piece{};
+    const ssize_t size = ::read(descriptor_, piece.data(), piece.size());
+    if (size < 0 && errno == EINTR) return;
+    if (size <= 0) {
+      descriptor_ = -1;
+      return;
+    }
+    text_.append(piece.data(), std::min(static_cast<std::size_t>(size), longest_ - text_.size()));
+  }
+
+ private:
+  int descriptor_;
+  std::size_t longest_;
+  std::string text_;
+};
+
+/// Listens until the reports end, as they do with the helper; what the script leaves running may
+/// keep its output open.
+void listen(Listener& reports, Listener& output) {
+  while (!reports.hasEnded()) {
+    std::array<pollfd, 2> ends = {reports.waiting(), output.waiting()};
+    if (::poll(ends.data(), ends.size(), -1) < 0 && errno != EINTR) return;
+    if (ends[0].revents != 0) reports.readPiece();
+    if (ends[1].revents != 0) output.readPiece();
+  }
+  for (int piece = 0; piece < piecesOfAPipe; ++piece) {
+    pollfd end = output.waiting();
+    if (::poll(&end, 1, 0) <= 0) return;
+    output.readPiece();
   }
 }
 
-std::vector<std::string_view> linesOf(std::string_view report) {
+std::vector<std::string_view> linesOf(std::string_view text) {
   std::vector<std::string_view> lines;
-  while (!report.empty()) {
-    const std::size_t end = std::min(report.find('\n'), report.size() - 1);
-    lines.push_back(report.substr(0, end));
-    report.remove_prefix(end + 1);
+  while (!text.empty()) {
+    const std::size_t end = std::min(text.find('\n'), text.size());
+    lines.push_back(text.substr(0, end));
+    text.remove_prefix(std::min(end + 1, text.size()));
   }
   return lines;
 }
@@ -154,14 +190,22 @@ Result<int> LinuxShell::system(const std::string& script, const std::string& wri
   }
   auto reports = makePipe();
   if (!reports) return reports.error();
-  const auto child =
-      start(script, writableFolder, FileDescriptor(reports.value().writeEnd.release()));
+  auto output = makePipe();
+  if (!output) return output.error();
+  const auto child = start(script, writableFolder,
+                           {FileDescriptor(reports.value().writeEnd.release()),
+                            FileDescriptor(output.value().writeEnd.release())});
   if (!child) return child.error();
-  return finish(child.value(), readReport(reports.value().readEnd.get()));
+  Listener report(reports.value().readEnd, longestReport);
+  Listener printed(output.value().readEnd, longestOutput);
+  listen(report, printed);
+  auto status = finish(child.value(), report.text());
+  logOutput(printed.text());
+  return status;
 }
 
 Result<int> LinuxShell::start(const std::string& script, const std::string& writableFolder,
-                              FileDescriptor reports) {
+                              const WriteEnds& ends) {
   // The place of some item in the folder: its parent is the folder as the scope has it.
   const auto place =
       scopes_.locate(appendingPathComponent(writableFolder, "item"), ScopeAccess::Change);
@@ -170,11 +214,15 @@ Result<int> LinuxShell::start(const std::string& script, const std::string& writ
     return systemError("run script in", writableFolder, std::errc::permission_denied);
   }
   const FileDescriptor folder = outOfTheWay(place.value().parent);
-  const FileDescriptor writeEnd = outOfTheWay(reports);
-  if (!folder || !writeEnd) return systemError("run script in", writableFolder);
+  const FileDescriptor reports = outOfTheWay(ends.reports);
+  const FileDescriptor output = outOfTheWay(ends.output);
+  if (!folder || !reports || !output) return systemError("run script in", writableFolder);
   SpawnSettings settings;
   settings.open(STDIN_FILENO, "/dev/null");
-  settings.put(writeEnd, shell_protocol::reportDescriptor);
+  // Not the program's own: that may be a file, which is none of the script's.
+  settings.put(output, STDOUT_FILENO);
+  settings.put(output, STDERR_FILENO);
+  settings.put(reports, shell_protocol::reportDescriptor);
   settings.put(folder, shell_protocol::folderDescriptor);
   const std::string tools = appendingPathComponent(moduleFolder_, shell_protocol::toolsFolderName);
   return settings.spawn({helperPath(), script, moduleFolder_}, scriptEnvironment(tools));
@@ -194,6 +242,14 @@ Result<int> LinuxShell::finish(int child, const std::string& report) {
     return systemError("wait for", helperPath(), std::errc::no_child_process);
   }
   return WEXITSTATUS(*status);
+}
+
+void LinuxShell::logOutput(const std::string& output) {
+  const auto lines = linesOf(output);
+  for (std::size_t index = 0; index < std::min(lines.size(), mostOutputLines); ++index) {
+    log_.write("script: " + std::string(lines[index]));
+  }
+  if (lines.size() > mostOutputLines) log_.write("script: and more");
 }
 
 std::string LinuxShell::helperPath() const {

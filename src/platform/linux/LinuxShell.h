@@ -22,11 +22,17 @@ class LinuxShell final : public Shell {
   Result<int> system(const std::string& script, const std::string& writableFolder) override;
 
  private:
-  /// Starts the helper, which reports to the pipe; its process number.
+  /// Pipes from the helper.
+  struct WriteEnds {
+    FileDescriptor reports;
+    FileDescriptor output;
+  };
+  /// Starts the helper; its process number.
   Result<int> start(const std::string& script, const std::string& writableFolder,
-                    FileDescriptor reports);
+                    const WriteEnds& ends);
   Result<int> finish(int child, const std::string& report);
   std::string helperPath() const;
+  void logOutput(const std::string& output);
   void reportOnce(const std::string& missing);
 
   const StartedScopes& scopes_;

@@ -72,10 +72,12 @@ void AppDelegate::pasteSelectedFiles(const ActionRequest& request) {
   if (!folder && !items.empty()) logFailure("no destination given");
 
   successCounter_ = 0;
-  FolderAccess folders(*fileAccess_, platform_.fileManager);
-  for (const std::string_view item : items) {
-    if (!folder) break;
-    pasteItem(folders, item, *folder);
+  {
+    FolderAccess folders(*fileAccess_, platform_.fileManager);
+    for (const std::string_view item : items) {
+      if (!folder) break;
+      pasteItem(folders, item, *folder);
+    }
   }
   playResultSound(items.size(), successSound_);
 }

@@ -47,18 +47,22 @@ bool AppDelegate::mayDeleteDirectly() {
   return alert->runModal() == Alert::firstButtonReturn;
 }
 
+void AppDelegate::removeItem(const std::string& path) {
+  const Status removed = platform_.fileManager.removeItemAtPath(path);
+  if (!removed) return logFailure(removed.error().describe());
+  ++successCounter_;
+}
+
 void AppDelegate::deleteDirectlySelectedFiles(const ActionRequest& request) {
   if (!mayDeleteDirectly()) return;
   const auto selection = request.stringForKey(request_key::selectedFilesUrl);
   const auto items = fileListItems(selection);
   successCounter_ = 0;
-  FolderAccess folders(*fileAccess_, platform_.fileManager);
-  for (const std::string_view item : items) {
-    accessFolderOfItem(folders, item, [&](const std::string& path) {
-      const Status removed = platform_.fileManager.removeItemAtPath(path);
-      if (!removed) return logFailure(removed.error().describe());
-      ++successCounter_;
-    });
+  {
+    FolderAccess folders(*fileAccess_, platform_.fileManager);
+    for (const std::string_view item : items) {
+      accessFolderOfItem(folders, item, [&](const std::string& path) { removeItem(path); });
+    }
   }
   playResultSound(items.size(), trashSound_);
 }

@@ -38,14 +38,16 @@ void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
   const std::string folder = expandingHome(toPath.value_or(""), homePath());
 
   successCounter_ = 0;
-  FolderAccess folders(*fileAccess_, platform_.fileManager);
-  for (const std::string_view item : items) {
-    if (!toPath) break;
-    accessParentOfItem(folders, item, [&](const std::string& source) {
-      const bool granted =
-          folders.accessFilePath(folder, [&] { sendItem(source, folder, isCopy); });
-      if (!granted) logFailure("no access to " + folder);
-    });
+  {
+    FolderAccess folders(*fileAccess_, platform_.fileManager);
+    for (const std::string_view item : items) {
+      if (!toPath) break;
+      accessParentOfItem(folders, item, [&](const std::string& source) {
+        const bool granted =
+            folders.accessFilePath(folder, [&] { sendItem(source, folder, isCopy); });
+        if (!granted) logFailure("no access to " + folder);
+      });
+    }
   }
   playResultSound(items.size(), successSound_);
 }
@@ -66,10 +68,12 @@ void AppDelegate::sendFilesToCustom(const ActionRequest& request, IsCopy isCopy)
 void AppDelegate::sendItemsToChosenFolder(const std::vector<std::string_view>& items,
                                           const std::string& folder, IsCopy isCopy) {
   successCounter_ = 0;
-  FolderAccess folders(*fileAccess_, platform_.fileManager);
-  for (const std::string_view item : items) {
-    accessParentOfItem(folders, item,
-                       [&](const std::string& source) { sendItem(source, folder, isCopy); });
+  {
+    FolderAccess folders(*fileAccess_, platform_.fileManager);
+    for (const std::string_view item : items) {
+      accessParentOfItem(folders, item,
+                         [&](const std::string& source) { sendItem(source, folder, isCopy); });
+    }
   }
   playResultSound(items.size(), successSound_);
 }

@@ -154,6 +154,7 @@ class AppDelegate final : public ApplicationDelegate {
   void setHiddenOfFolder(const std::string& folder, IsHidden isHidden);
   void pasteItem(FolderAccess& folders, std::string_view item, const std::string& folder);
   bool mayDeleteDirectly();
+  void removeItem(const std::string& path);
   /// Plays `allDone` when the counter has reached `itemCount`, else the failure sound.
   void playResultSound(std::size_t itemCount, const std::unique_ptr<Sound>& allDone);
 

@@ -129,7 +129,7 @@ std::string directoryFileWithIcon(std::string_view text, std::string_view iconPa
 
 std::string directoryFileWithoutIcon(std::string_view text) {
   std::vector<Line> lines = linesOf(text);
-  std::erase_if(lines, isIcon);
+  if (std::erase_if(lines, isIcon) == 0) return std::string(text);
   const bool isEmpty = std::all_of(lines.begin(), lines.end(), [](const Line& line) {
     return line.kind == LineKind::Blank || line.kind == LineKind::DesktopEntry;
   });

@@ -151,9 +151,15 @@ Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::st
   const auto to = folders_.locate(destination, ScopeAccess::Change);
   if (!to) return to.error();
   folders_.letGoBelow(from.value());
+  if (Status written = writeMovedList(from.value()); !written) return written;
   Status moved = moveItem(from.value().reference(), to.value().reference(), partialItems_);
   if (moved) noteHidingFailure(*from.value().folder, carryHiddenName(from.value(), to.value()));
   return moved;
+}
+
+/// A list that moves takes the changes along that wait for it.
+Status LinuxFileManager::writeMovedList(const ItemPlace& item) {
+  return item.name == hiddenListName ? item.folder->hidden.write() : success();
 }
 
 Status LinuxFileManager::removeItemAtPath(const std::string& path) {

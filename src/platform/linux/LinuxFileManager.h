@@ -48,6 +48,7 @@ class LinuxFileManager final : public FileManager {
   const PartialItems& partialItems() const { return partialItems_; }
 
  private:
+  Status writeMovedList(const ItemPlace& item);
   Status dropHiddenName(const ItemPlace& item);
   Status carryHiddenName(const ItemPlace& from, const ItemPlace& to);
   void noteHidingFailure(HeldFolder& folder, const Status& status);

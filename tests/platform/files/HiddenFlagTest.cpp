@@ -177,6 +177,15 @@ TEST_F(HiddenFlag, TheListItselfMayBeMovedAndRemoved) {
   EXPECT_EQ(read("out/.hidden"), "(none)");
 }
 
+TEST_F(HiddenFlag, AMovedListTakesTheWaitingChangesAlong) {
+  for (const char* item : {"in/a", "in/b"}) ASSERT_TRUE(hide(item));
+  auto batch = files_.batch();
+  EXPECT_TRUE(show("in/a"));
+  EXPECT_TRUE(move("in/.hidden", "out/.hidden"));
+  batch.reset();
+  EXPECT_EQ(read("out/.hidden"), "b\n");
+}
+
 TEST_F(HiddenFlag, AListThatIsNoPlainFileIsLeftAlone) {
   write("outside", "a\n");
   fs::create_symlink(scratch_ / "outside", scratch_ / "in/.hidden");

@@ -5,6 +5,7 @@
 #include <QApplication>
 
 #include "tests/platform/desktop/DesktopSession.h"
+#include "tests/platform/desktop/qt/LeakCheck.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
@@ -13,5 +14,7 @@ int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   const QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Tavrin"));
-  return RUN_ALL_TESTS();
+  const int failed = RUN_ALL_TESTS();
+  tavrin::test::checkForLeaks();
+  return failed;
 }

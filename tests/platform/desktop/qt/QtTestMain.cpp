@@ -2,6 +2,8 @@
 
 #include <QApplication>
 
+#include "tests/platform/desktop/qt/LeakCheck.h"
+
 int main(int argc, char** argv) {
   // Before the application, which chooses its platform once.
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -9,5 +11,7 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Tavrin"));
   QApplication::setQuitOnLastWindowClosed(false);
   testing::InitGoogleTest(&argc, argv);
-  return RUN_ALL_TESTS();
+  const int failed = RUN_ALL_TESTS();
+  tavrin::test::checkForLeaks();
+  return failed;
 }

@@ -5,7 +5,6 @@
 #include <QApplication>
 
 #include "tests/platform/desktop/DesktopSession.h"
-#include "tests/platform/desktop/qt/LeakCheck.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);
@@ -14,7 +13,5 @@ int main(int argc, char** argv) {
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
   const QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Tavrin"));
-  const int failed = RUN_ALL_TESTS();
-  tavrin::test::checkForLeaks();
-  return failed;
+  return RUN_ALL_TESTS();
 }

@@ -2,8 +2,6 @@
 
 #include <QApplication>
 
-#include "tests/platform/desktop/qt/LeakCheck.h"
-
 int main(int argc, char** argv) {
   // Before the application, which chooses its platform once.
   if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -11,7 +9,5 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("Tavrin"));
   QApplication::setQuitOnLastWindowClosed(false);
   testing::InitGoogleTest(&argc, argv);
-  const int failed = RUN_ALL_TESTS();
-  tavrin::test::checkForLeaks();
-  return failed;
+  return RUN_ALL_TESTS();
 }

@@ -27,7 +27,7 @@ class BadInput(HostTest):
         super().setUp()
         self.host = self.session.start_waiting_host()
         self.session.wait_for_settings()
-        self.session.defaults("write", "standard", "enableDirectDeleteFiles", "-bool", "true")
+        self.switch("enableDirectDeleteFiles", True)
         self.session.grant("/")
         self.item = self.make_file("here/a.txt")
         self.folder = self.item.parent

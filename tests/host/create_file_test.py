@@ -45,25 +45,13 @@ class CreateFile(HostTest):
         self.templates = self.session.data / GROUP / "Templates" / "CreateNewFile"
         wait_until((self.templates / "Comma Separated Values.csv").exists, "the templates")
         self.folder = self.make_folder("here")
-        self.heard = []
-
-    def grant(self, folder):
-        self.session.grant(folder)
-        self.heard.append(FAILED)
-
-    def wait_for_sound(self, name):
-        self.heard.append(name)
-        self.session.wait_for_sounds(*self.heard)
-
-    def switch(self, key, value):
-        self.session.defaults("write", "standard", key, "-bool", "true" if value else "false")
 
     def create(self, tag, folder=None):
         self.session.send("createNewFile", Path=os.fspath(folder or self.folder), Tag=tag)
 
     def create_and_wait(self, tag, folder=None):
         self.create(tag, folder)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
 
     def shown(self):
         """The URLs that the file manager was to show, in order, each with the method."""
@@ -88,7 +76,7 @@ class CreateFile(HostTest):
 
 class FromATemplate(CreateFile):
     def test_gets_free_names_and_is_revealed_each_time(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         self.create_and_wait(tag_of("md"))
         self.create_and_wait(str(tag_of("md")))
         self.create_and_wait(tag_of("docx"))
@@ -98,7 +86,7 @@ class FromATemplate(CreateFile):
                               ("untitled.md", "untitled 2.md", "untitled.docx")])
 
     def test_every_default_rule_makes_its_template_byte_for_byte(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         rules = [rule | {"enable": 1} for rule in RULES if rule["extension"]]
         self.session.import_domain("standard", {"arrOfCreateNewFile": rules})
         for tag, _ in enumerate(rules):
@@ -110,7 +98,7 @@ class FromATemplate(CreateFile):
             self.assertTrue((self.templates / f"{rule['extension']}.png").exists(), rule)
 
     def test_a_tag_without_a_rule_makes_an_empty_file(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         for tag in (-1, 2**62, "999999999999999999999"):
             self.create_and_wait(tag)
         self.assertEqual(self.names_in(self.folder),
@@ -124,8 +112,8 @@ class FromATemplate(CreateFile):
             self.addCleanup(desktop.rmdir)
         before = set(desktop.iterdir())
         self.addCleanup(lambda: [file.unlink() for file in set(desktop.iterdir()) - before])
-        self.grant(desktop)
-        self.grant(self.folder)
+        self.session.grant(desktop)
+        self.session.grant(self.folder)
         self.create_and_wait(tag_of("csv"), desktop)
         self.create_and_wait(tag_of("csv"))
         created = set(desktop.iterdir()) - before
@@ -148,7 +136,7 @@ class FromATemplate(CreateFile):
         (self.session.config / "mimeapps.list").write_text(
             "[Default Applications]\ntext/markdown=recorder.desktop\n")
         folder = self.make_folder("with blank & 'quote'")
-        self.grant(folder)
+        self.session.grant(folder)
         self.create_and_wait(tag_of("md"), folder)
         self.switch("enableAutoOpenAfterCreateNewFile", True)
         self.create_and_wait(tag_of("md"), folder)
@@ -164,7 +152,7 @@ class FromATemplate(CreateFile):
                                for line in self.session.log_lines()), "a line about the file")
 
     def test_without_sound_and_without_its_template(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         (self.templates / "Markdown.md").unlink()
         self.create_and_wait(tag_of("md"))
         self.assertEqual((self.folder / "untitled.md").read_bytes(), b"")
@@ -175,19 +163,19 @@ class FromATemplate(CreateFile):
         self.switch("soundTipsOfNewFile", False)
         self.create(tag_of("html"))
         wait_until((self.folder / "untitled.html").exists, "the file")
-        self.session.wait_for_sounds(*self.heard)
+        self.session.expect_no_other_sound()
 
     def test_asks_for_access_and_does_nothing_without_it(self):
         self.create(tag_of("md"))
         self.session.cancel()
         self.create(tag_of("html"))
         self.session.authorize()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assert_files(**{"untitled.html": "Web Page.html"})
         self.assertEqual(set(self.session.grants()), {str(self.folder)})
 
     def test_what_cannot_be_created_sounds_and_is_logged(self):
-        self.grant(self.session.files)
+        self.session.grant(self.session.files)
         file = self.make_file("a file")
         readonly = self.make_folder("readonly")
         for command in (["mount", "-t", "tmpfs", "tavrin-test", readonly],
@@ -199,11 +187,11 @@ class FromATemplate(CreateFile):
         for folder, cause in ((file, "Not a directory"), (readonly, "Read-only file system"),
                               (self.session.files / "gone", "No such file")):
             self.create(tag_of("txt"), folder)
-            self.wait_for_sound(FAILED)
+            self.session.wait_for_next_sound(FAILED)
             wait_until(lambda: any("createNewFile:" in line and cause in line
                                    for line in self.session.log_lines()), cause)
         self.session.send("createNewFile", Tag=0)
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
         self.create_and_wait(tag_of("md"))
         self.assertEqual(file.read_text(), "content")
 
@@ -227,7 +215,7 @@ class OfAChosenFormat(CreateFile):
         self.session.wait_for_no_window(SAVE_PANEL)
 
     def test_the_name_and_the_format_are_the_users(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         window = self.ask()
         self.session.screenshot("save-panel")
         self.choose_format(window, 1)
@@ -236,31 +224,31 @@ class OfAChosenFormat(CreateFile):
         self.session.type_text("notes")
         self.session.screenshot("save-panel-format")
         self.save()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assert_files(**{"notes.md": "Markdown.md"})
         self.wait_for_shown(self.folder / "notes.md")
 
     def test_the_selected_name_is_typed_over_and_the_mouse_saves(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         window = self.ask()
         self.session.type_text("notes")
         width, height = self.session.geometry(window)
         self.session.click(window, width - 140, height - 26)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.session.wait_for_no_window(SAVE_PANEL)
         self.assert_files(**{"notes.txt": "Plain Text.txt"})
 
     def test_offers_the_formats_of_disabled_rules(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         extensions = [rule["extension"] for rule in RULES]
         self.assertFalse(RULES[extensions.index("rtf")]["enable"])
         self.choose_format(self.ask(), extensions.index("rtf"))
         self.save()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assert_files(**{"untitled.rtf": "Rich Text.rtf"})
 
     def test_replaces_only_when_told(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         mine = self.make_file("here/untitled.txt", "mine")
         before = mine.stat().st_ino
         self.ask()
@@ -274,12 +262,12 @@ class OfAChosenFormat(CreateFile):
         self.session.key("Return")
         self.session.wait_for_window(QUESTION)
         self.session.key("shift+Tab", "space")
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assert_files(**{"untitled.txt": "Plain Text.txt"})
         self.assertNotEqual(mine.stat().st_ino, before)
 
     def test_cancelled_makes_no_file_and_no_sound(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         self.ask()
         self.session.type_text("notes")
         self.session.cancel(SAVE_PANEL)
@@ -289,12 +277,12 @@ class OfAChosenFormat(CreateFile):
 
     def test_another_folder_is_granted_for_the_one_file(self):
         inner = self.make_folder("here/inner")
-        self.grant(inner)
+        self.session.grant(inner)
         self.ask(inner)
         self.session.key("alt+Up")
         self.session.type_text("beside")
         self.save()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual(self.names_in(self.folder), ["beside.txt", "inner"])
         self.assertEqual(self.names_in(inner), [])
         self.wait_for_shown(self.folder / "beside.txt")
@@ -310,11 +298,11 @@ class OfAChosenFormat(CreateFile):
         self.ask()
         self.save()
         self.session.authorize()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assert_files(**{"untitled.txt": "Plain Text.txt"})
 
     def test_bad_names_stay_in_the_panel(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         window = self.ask()
         for name in ("../up", "/", "x" * 252):
             self.session.key("ctrl+a")
@@ -325,11 +313,11 @@ class OfAChosenFormat(CreateFile):
         self.assertEqual(self.session.windows(SAVE_PANEL), [window])
         self.session.type_text("good")
         self.save()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual(self.names_in(self.folder), ["good.txt"])
 
     def test_the_panel_ends_with_the_host(self):
-        self.grant(self.folder)
+        self.session.grant(self.folder)
         self.make_file("here/untitled.txt", "mine")
         self.ask()
         self.session.key("Return")

@@ -32,7 +32,6 @@ class IconSets(HostTest):
         self.host = self.session.start_waiting_host()
         self.pictures = self.make_folder(self.folder)
         self.session.grant(self.session.files)
-        self.heard = [FAILED]
 
     def make_image(self, name, size="300x200"):
         image = self.pictures / name
@@ -42,8 +41,7 @@ class IconSets(HostTest):
 
     def convert(self, action, image):
         self.session.send(action, File=os.fsdecode(image))
-        self.heard.append(DONE)
-        self.session.wait_for_sounds(*self.heard)
+        self.session.wait_for_next_sound(DONE)
         self.assert_alive(self.host)
 
     def sizes_in(self, folder):

@@ -19,19 +19,6 @@ class Items(HostTest):
         self.folder = self.make_folder("folder")
         self.other = self.make_folder("other")
         self.session.wait_for_settings()
-        self.heard = []
-
-    def grant_all(self):
-        """The user authorises the whole disk."""
-        self.session.grant("/")
-        self.heard.append(FAILED)
-
-    def wait_for_sound(self, name):
-        self.heard.append(name)
-        self.session.wait_for_sounds(*self.heard)
-
-    def switch(self, key, value):
-        self.session.defaults("write", "standard", key, "-bool", "true" if value else "false")
 
     def make_files(self, *names):
         for name in names:
@@ -65,12 +52,12 @@ class Items(HostTest):
     def finish(self):
         """Waits until the requests so far are done: a later one is served after them."""
         self.session.copy_files([self.folder / "no such item"], self.folder)
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
 
 
 class CutAndPaste(Items):
     def test_a_cut_is_pasted_under_free_names_and_can_be_seen_there(self):
-        self.grant_all()
+        self.session.grant("/")
         self.switch("enableHideWhenCutting", True)
         odd = b"-n \xff (1) %20 \xe2\x82\xac.txt"
         report, strange = self.make_files("report.txt", odd)
@@ -81,7 +68,7 @@ class CutAndPaste(Items):
         self.assertEqual(self.cut_paths(), [report, strange])
 
         self.session.send("pasteSelectedFiles", report, strange, PasteInPath=str(self.other))
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual((self.other / "report.txt").read_text(), "older")
         self.assertEqual((self.other / "report 2.txt").read_text(), "report.txt")
         moved = os.path.join(os.fsencode(self.other), odd)
@@ -93,11 +80,11 @@ class CutAndPaste(Items):
                          sorted([os.fsdecode(odd), "report.txt", "report 2.txt"]))
 
         self.session.send("pasteSelectedFiles", report, strange, PasteInPath=str(self.other))
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
         self.assertEqual(self.cut_paths(), [report, strange])
 
     def test_the_next_cut_shows_the_items_of_the_one_before(self):
-        self.grant_all()
+        self.session.grant("/")
         self.switch("enableHideWhenCutting", True)
         first, second = self.make_files("first", "second")
         self.session.send("cutSelectedFiles", first)
@@ -112,7 +99,7 @@ class CutAndPaste(Items):
         self.assertEqual(self.cut_paths(), [first])
 
     def test_a_paste_into_another_file_system_moves_whole_trees(self):
-        self.grant_all()
+        self.session.grant("/")
         tree = self.make_folder("folder/tree")
         (tree / "deep").mkdir()
         (tree / "deep" / "file").write_text("text")
@@ -120,7 +107,7 @@ class CutAndPaste(Items):
         elsewhere = self.mount()
         self.session.send("pasteSelectedFiles", tree, self.folder / "gone", good,
                           PasteInPath=str(elsewhere))
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
         self.assertEqual((elsewhere / "tree" / "deep" / "file").read_text(), "text")
         self.assertTrue((elsewhere / "good").exists())
         self.assertEqual(list(self.folder.iterdir()), [])
@@ -137,7 +124,7 @@ class CutAndPaste(Items):
 
 class Hide(Items):
     def test_hiding_a_selection_keeps_the_other_lines_of_the_list(self):
-        self.grant_all()
+        self.session.grant("/")
         first, second = self.make_files("first", "second")
         (self.folder / ".hidden").write_text("backup\n")
         self.session.send("hiddenSelectedFiles", first, second)
@@ -147,7 +134,7 @@ class Hide(Items):
         self.assertEqual((self.folder / ".hidden").read_text(), "backup\nsecond\n")
 
     def test_a_folder_is_hidden_and_shown_without_its_dot_names(self):
-        self.grant_all()
+        self.session.grant("/")
         items = self.make_files("a", "b", ".git")
         inner = self.make_folder("folder/inner") / "file"
         inner.write_text("")
@@ -160,26 +147,26 @@ class Hide(Items):
         self.assertFalse(self.is_hidden(items[1]))
 
     def test_a_hidden_item_that_is_moved_or_deleted_leaves_no_line_behind(self):
-        self.grant_all()
+        self.session.grant("/")
         self.switch("enableDirectDeleteFiles", True)
         moved, deleted = self.make_files("moved", "deleted")
         self.session.send("hiddenSelectedFiles", moved, deleted)
         self.session.move_files([self.folder / "moved"], self.other)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertTrue(self.is_hidden(self.other / "moved"))
         self.assertEqual((self.folder / ".hidden").read_text(), "deleted\n")
         self.session.send("deleteDirectlySelectedFiles", deleted)
-        self.wait_for_sound(EMPTIED)
+        self.session.wait_for_next_sound(EMPTIED)
         self.assertFalse((self.folder / ".hidden").exists())
 
     def test_a_folder_that_cannot_be_written_is_left_and_the_log_says_why(self):
-        self.grant_all()
+        self.session.grant("/")
         self.switch("enableDirectDeleteFiles", True)
         (self.mount() / "item").write_text("")
         subprocess.run(["mount", "-o", "remount,ro", self.there], check=True)
         self.session.send("hiddenAllFilesInPath", Path=str(self.there))
         self.session.send("deleteDirectlySelectedFiles", self.there / "item")
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
         self.assertEqual(os.listdir(self.there), ["item"])
         causes = [line for line in self.session.log_lines() if "Read-only file system" in line]
         self.assertEqual(len(causes), 2, self.session.log_lines())
@@ -187,7 +174,7 @@ class Hide(Items):
 
 class Delete(Items):
     def test_asks_and_deletes_only_after_ok(self):
-        self.grant_all()
+        self.session.grant("/")
         tree = self.make_folder("folder/tree")
         (tree / "file").write_text("")
         (item,) = self.make_files("item")
@@ -198,11 +185,11 @@ class Delete(Items):
         self.session.send("deleteDirectlySelectedFiles", item, tree)
         self.assertTrue(os.path.exists(item))
         self.session.authorize(ALERT)
-        self.wait_for_sound(EMPTIED)
+        self.session.wait_for_next_sound(EMPTIED)
         self.assertEqual(list(self.folder.iterdir()), [])
 
     def test_the_rest_is_deleted_when_an_item_has_gone(self):
-        self.grant_all()
+        self.session.grant("/")
         self.switch("enableDirectDeleteFiles", True)
         kept = self.other / "kept"
         kept.write_text("text")
@@ -210,7 +197,7 @@ class Delete(Items):
         link = self.folder / "link"
         link.symlink_to(self.other)
         self.session.send("deleteDirectlySelectedFiles", first, self.folder / "gone", link, last)
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
         self.assertEqual(list(self.folder.iterdir()), [])
         self.assertEqual(kept.read_text(), "text")
 

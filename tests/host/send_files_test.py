@@ -23,12 +23,6 @@ class SendFiles(HostTest):
     def grant_all(self):
         """Grants the folder of all files, by a request that fails otherwise."""
         self.session.grant(self.session.files)
-        self.session.wait_for_sounds(FAILED)
-        self.heard = [FAILED]
-
-    def wait_for_sound(self, name):
-        self.heard.append(name)
-        self.session.wait_for_sounds(*self.heard)
 
     def assert_same(self, source, copy):
         """Nothing that rsync knows of differs."""
@@ -74,9 +68,9 @@ class ConfiguredDestination(SendFiles):
         (self.there / "archive.tar.gz").write_text("was here")
         sources = [self.make_file(name, f"new {name}") for name in ("a.txt", "archive.tar.gz")]
         self.session.copy_files(sources, self.there)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.session.copy_files(sources[:1], self.there)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         contents = {name: (self.there / name).read_text() for name in self.names_in(self.there)}
         self.assertEqual(contents, {
             "a.txt": "was here", "a 2.txt": "new a.txt", "a 3.txt": "new a.txt",
@@ -87,7 +81,7 @@ class ConfiguredDestination(SendFiles):
         (self.there / "notes").mkdir()
         self.make_file("notes/inside.txt", "mine")
         self.session.move_files([self.session.files / "notes"], self.there)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual(self.names_in(self.there), ["notes", "notes 2"])
         self.assertEqual(self.names_in(self.there / "notes"), [])
         self.assertEqual((self.there / "notes 2" / "inside.txt").read_text(), "mine")
@@ -96,7 +90,7 @@ class ConfiguredDestination(SendFiles):
     def test_a_copy_into_its_own_folder_stands_beside_it(self):
         source = self.make_file("here/a.txt", "twice")
         self.session.copy_files([source], source.parent)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual(self.names_in(source.parent), ["a 2.txt", "a.txt"])
         self.assertEqual((source.parent / "a 2.txt").read_text(), "twice")
 
@@ -104,7 +98,7 @@ class ConfiguredDestination(SendFiles):
         folder = self.make_file("outer/inner/a.txt").parent.parent
         for send in (self.session.copy_files, self.session.move_files):
             send([folder], folder / "inner")
-            self.wait_for_sound(FAILED)
+            self.session.wait_for_next_sound(FAILED)
             self.assertEqual(self.names_in(folder / "inner"), ["a.txt"])
 
     def test_a_tree_arrives_as_it_was(self):
@@ -121,7 +115,7 @@ class ConfiguredDestination(SendFiles):
         os.utime(file, ns=(1_000_000_000_123_456_789, 1_100_000_000_987_654_321))
         (tree / "sub").chmod(0o500)
         self.session.copy_files([tree], self.there)
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assert_same(tree, self.there / "tree")
         self.assertEqual((self.there / "tree" / "holes").stat().st_blocks,
                          (tree / "holes").stat().st_blocks)
@@ -135,7 +129,7 @@ class ConfiguredDestination(SendFiles):
         for request in (self.session.copy_files, self.session.move_files):
             target = self.make_folder(request.__name__)
             request(sources, target)
-            self.wait_for_sound(DONE)
+            self.session.wait_for_next_sound(DONE)
             self.assertEqual(sorted(os.listdir(os.fsencode(target))), sorted(names))
 
     def test_two_of_three_arrive_and_it_sounds_like_a_failure(self):
@@ -144,7 +138,7 @@ class ConfiguredDestination(SendFiles):
                        self.make_file("3.txt")]
             target = self.make_folder(send.__name__)
             send(sources, target)
-            self.wait_for_sound(FAILED)
+            self.session.wait_for_next_sound(FAILED)
             self.assertEqual(self.names_in(target), ["1.txt", "3.txt"])
 
     def test_pieces_that_are_no_file_urls_are_passed_over(self):
@@ -154,7 +148,7 @@ class ConfiguredDestination(SendFiles):
             with self.subTest(piece):
                 self.session.send("copyFilesTo", SelectedFilesUrl=f"{piece}|{good}",
                                   ToPath=str(self.there))
-                self.wait_for_sound(FAILED)
+                self.session.wait_for_next_sound(FAILED)
         self.assertEqual(len(self.names_in(self.there)), len(bad))
         self.assertEqual(self.session.windows(ACCESS_PANEL), [])
 
@@ -163,20 +157,20 @@ class ConfiguredDestination(SendFiles):
         plain_file = self.make_file("no folder")
         for destination in (self.session.files / "missing", plain_file):
             self.session.copy_files([source], destination)
-            self.wait_for_sound(FAILED)
+            self.session.wait_for_next_sound(FAILED)
         self.assertEqual(plain_file.read_text(), "content")
         self.assertFalse((self.session.files / "missing").exists())
 
     def test_no_selection_is_done_at_once(self):
         self.session.send("copyFilesTo", ToPath=str(self.there))
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.session.send("moveFilesTo", ToPath="/nowhere")
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual(self.session.windows(ACCESS_PANEL), [])
 
     def test_no_destination_fails(self):
         self.session.send("moveFilesTo", SelectedFilesUrl=selection(self.make_file("a.txt")))
-        self.wait_for_sound(FAILED)
+        self.session.wait_for_next_sound(FAILED)
         self.assertTrue((self.session.files / "a.txt").exists())
 
     def test_tilde_is_the_home_of_the_account(self):
@@ -185,7 +179,7 @@ class ConfiguredDestination(SendFiles):
         self.addCleanup(shutil.rmtree, folder)
         self.session.copy_files([self.make_file("a.txt")], "~/" + folder.name)
         self.session.authorize()
-        self.wait_for_sound(DONE)
+        self.session.wait_for_next_sound(DONE)
         self.assertEqual(self.names_in(folder), ["a.txt"])
         self.assertIn(str(folder.resolve()), self.session.grants())
         self.assertEqual(os.listdir(self.session.folder / "home"), [])

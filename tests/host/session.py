@@ -106,6 +106,7 @@ class Session:
                      "requests", "tmp"):
             (self.folder / name).mkdir(mode=0o700)
         self._request_count = 0
+        self._heard = []
         self._log_path = self.folder / "host.log"
         self._log = self._cleanup.enter_context(open(self._log_path, "ab"))
 
@@ -343,6 +344,15 @@ class Session:
         if self.sound_server.played != list(names):
             raise AssertionError(f"expected {names}, heard {self.sound_server.played}")
 
+    def wait_for_next_sound(self, name):
+        """Waits for one sound more than were waited for here, or came with a grant."""
+        self._heard.append(name)
+        self.wait_for_sounds(*self._heard)
+
+    def expect_no_other_sound(self):
+        """Compares the sounds so far with those that were waited for here, or came with a grant."""
+        self.wait_for_sounds(*self._heard)
+
     # Windows
 
     def windows(self, title):
@@ -408,6 +418,7 @@ class Session:
         self.copy_files([Path(folder) / "no such item"], folder)
         self.authorize()
         wait_until(lambda: len(self.sound_server.played) > heard, f"the grant of {folder}")
+        self._heard = list(self.sound_server.played)
 
 
 _libc = ctypes.CDLL(None)
@@ -470,6 +481,10 @@ class HostTest(unittest.TestCase):
     def wait_for_end(self, host, status):
         wait_until(lambda: host.poll() is not None, "the host to end")
         self.assertEqual(host.returncode, status)
+
+    def switch(self, key, value):
+        """Turns a setting of the host on or off."""
+        self.session.defaults("write", "standard", key, "-bool", "true" if value else "false")
 
     def make_file(self, path, content="content"):
         path = self.session.files / path

@@ -1,7 +1,5 @@
 #include "platform/linux/HeldFolders.h"
 
-#include <exception>
-
 #include "foundation/PathString.h"
 
 namespace tavrin {
@@ -31,8 +29,9 @@ std::shared_ptr<HeldFolder> HeldFolders::heldFolder(std::string_view path) const
 Result<ItemPlace> HeldFolders::locate(const std::string& path, ScopeAccess access) {
   const std::size_t nameStart = path.rfind('/') + 1;
   const std::string_view parent = std::string_view(path).substr(0, nameStart);
-  if (auto folder = heldFolder(parent); folder && isPlainName(path.c_str() + nameStart)) {
-    return ItemPlace{std::move(folder), path.substr(nameStart), path};
+  const std::string_view name = std::string_view(path).substr(nameStart);
+  if (auto folder = heldFolder(parent); folder && isPlainName(name)) {
+    return ItemPlace{std::move(folder), std::string(name), path};
   }
   auto located = scopes_.locate(path, access);
   if (!located) return located.error();

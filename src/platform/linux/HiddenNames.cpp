@@ -36,11 +36,9 @@ void forEachLine(std::string_view text, const Use& use) {
 }  // namespace
 
 void HiddenNameChanges::add(std::string_view name, IsHidden isHidden) {
-  const bool hides = isHidden == IsHidden::Yes;
-  changes_ += hides ? hideMark : showMark;
+  changes_ += isHidden == IsHidden::Yes ? hideMark : showMark;
   changes_ += name;
   changes_ += '\n';
-  hidesAny_ = hidesAny_ || hides;
 }
 
 std::string HiddenNameChanges::appliedTo(std::string_view list) const {
@@ -48,7 +46,7 @@ std::string HiddenNameChanges::appliedTo(std::string_view list) const {
   std::unordered_map<std::string_view, char> marks;
   forEachLine(changes_, [&](std::string_view line) { marks[line.substr(1)] = line[0]; });
   std::string changed;
-  changed.reserve(list.size() + (hidesAny_ ? changes_.size() : 0));
+  changed.reserve(list.size() + changes_.size());
   bool hasName = false;
   const auto keep = [&](std::string_view line) {
     hasName = hasName || line.find_first_not_of(" \t\r") != std::string_view::npos;
@@ -78,17 +76,15 @@ std::vector<std::string> HiddenNameChanges::names(std::size_t count) const {
   return names;
 }
 
-void HiddenNameChanges::clear() {
-  changes_ = std::string();
-  hidesAny_ = false;
-}
-
 HiddenNames::HiddenNames(int folder, std::string folderPath, const PartialItems& partials)
     : folder_(folder), folderPath_(std::move(folderPath)), partials_(partials) {}
 
+ItemReference HiddenNames::listFile() const {
+  return {folder_, hiddenListName, folderPath_ + "/" + hiddenListName};
+}
+
 Result<std::string> HiddenNames::read() const {
-  const ItemReference list{folder_, hiddenListName, folderPath_ + "/" + hiddenListName};
-  const auto contents = readFile(list, largestList);
+  const auto contents = readFile(listFile(), largestList);
   if (contents) return std::string(contents.value().begin(), contents.value().end());
   if (contents.error().code == std::errc::no_such_file_or_directory) return std::string();
   return contents.error();
@@ -141,9 +137,8 @@ Status HiddenNames::write() {
   if (changed.empty()) {
     if (::unlinkat(folder_, hiddenListName, 0) != 0) return systemError("remove", folderPath_);
   } else {
-    const ItemReference file{folder_, hiddenListName, folderPath_ + "/" + hiddenListName};
     Status replaced =
-        replaceFile(file, PropertyList::Data(changed.begin(), changed.end()), partials_);
+        replaceFile(listFile(), PropertyList::Data(changed.begin(), changed.end()), partials_);
     if (!replaced) return replaced;
   }
   touchItems(changes.names(mostItemsTouched));
@@ -156,7 +151,7 @@ void HiddenNames::touchItems(const std::vector<std::string>& names) const {
 }
 
 void HiddenNames::forget() {
-  changes_.clear();
+  changes_ = {};
   isLoaded_ = false;
   names_ = {};
   newNames_ = {};

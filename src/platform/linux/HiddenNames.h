@@ -25,12 +25,9 @@ class HiddenNameChanges {
   /// The names that change, at most `count` of them.
   std::vector<std::string> names(std::size_t count) const;
 
-  void clear();
-
  private:
   /// Lines of a mark and a name, in the order of the changes.
   std::string changes_;
-  bool hidesAny_ = false;
 };
 
 /// The file ".hidden" of one folder, which names the items of the folder that file managers do not
@@ -54,6 +51,7 @@ class HiddenNames {
   void forget();
 
  private:
+  ItemReference listFile() const;
   Result<std::string> read() const;
   Status load();
   void touchItems(const std::vector<std::string>& names) const;

@@ -5,17 +5,6 @@
 
 namespace tavrin {
 
-void AppDelegate::accessFolderOfItem(FolderAccess& folders, std::string_view item,
-                                     const std::function<void(const std::string& path)>& work) {
-  const auto url = FileURL::urlWithString(item);
-  if (!url) return logFailure("no file URL: " + std::string(item));
-  // The text of the URL goes to the access layer as it stands, its scheme included.
-  const std::string folder = deletingLastPathComponent(item);
-  if (!folders.accessFilePath(folder, [&] { work(url->path()); })) {
-    logFailure("no access to the folder of " + url->path());
-  }
-}
-
 void AppDelegate::setHidden(const std::string& path, IsHidden isHidden) {
   const Status changed = platform_.fileManager.setHiddenAtPath(path, isHidden);
   if (!changed) logFailure(changed.error().describe());
@@ -24,7 +13,11 @@ void AppDelegate::setHidden(const std::string& path, IsHidden isHidden) {
 void AppDelegate::setHiddenOfItems(FolderAccess& folders,
                                    const std::optional<std::string>& selection, IsHidden isHidden) {
   for (const std::string_view item : fileListItems(selection)) {
-    accessFolderOfItem(folders, item, [&](const std::string& path) { setHidden(path, isHidden); });
+    const auto url = urlOfItem(item);
+    if (!url) continue;
+    // The text of the URL goes to the access layer as it stands, its scheme included.
+    accessFolderOfItem(folders, deletingLastPathComponent(item), url->path(),
+                       [&] { setHidden(url->path(), isHidden); });
   }
 }
 
@@ -47,13 +40,13 @@ void AppDelegate::cutSelectedFiles(const ActionRequest& request) {
 
 void AppDelegate::pasteItem(FolderAccess& folders, std::string_view item,
                             const std::string& folder) {
-  const auto url = FileURL::urlWithString(item);
-  if (!url) return logFailure("no file URL: " + std::string(item));
+  const auto url = urlOfItem(item);
+  if (!url) return;
   const std::string& source = url->path();
   const std::string destination =
       uniquePathForPath(folder + "/" + lastPathComponent(source),
                         [this](const std::string& path) { return itemExists(path); });
-  accessFolderOfItem(folders, item, [&](const std::string&) {
+  accessFolderOfItem(folders, deletingLastPathComponent(item), source, [&] {
     const bool granted = folders.accessFilePath(folder, [&] {
       const Status moved = platform_.fileManager.moveItemAtPath(source, destination);
       const Status shown = platform_.fileManager.setHiddenAtPath(destination, IsHidden::No);

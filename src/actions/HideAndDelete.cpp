@@ -1,5 +1,6 @@
 #include "actions/FolderAccess.h"
 #include "app/AppDelegate.h"
+#include "foundation/PathString.h"
 #include "settings/SettingsKeys.h"
 
 namespace tavrin {
@@ -61,7 +62,10 @@ void AppDelegate::deleteDirectlySelectedFiles(const ActionRequest& request) {
   {
     FolderAccess folders(*fileAccess_, platform_.fileManager);
     for (const std::string_view item : items) {
-      accessFolderOfItem(folders, item, [&](const std::string& path) { removeItem(path); });
+      const auto url = urlOfItem(item);
+      if (!url) continue;
+      accessFolderOfItem(folders, deletingLastPathComponent(item), url->path(),
+                         [&] { removeItem(url->path()); });
     }
   }
   playResultSound(items.size(), trashSound_);

@@ -15,11 +15,7 @@ constexpr const char* pinFromPasteboard = "PinFromPasteboardByTavrin";
 std::vector<FileURL> AppDelegate::urlsOfItems(const std::string& selection) {
   std::vector<FileURL> urls;
   for (const std::string_view item : splitFileList(selection)) {
-    if (auto url = FileURL::urlWithString(item)) {
-      urls.push_back(*std::move(url));
-    } else {
-      logFailure("no file URL: " + std::string(item));
-    }
+    if (auto url = urlOfItem(item)) urls.push_back(*std::move(url));
   }
   return urls;
 }

@@ -21,15 +21,6 @@ void AppDelegate::sendItem(const std::string& sourcePath, const std::string& des
   ++successCounter_;
 }
 
-void AppDelegate::accessParentOfItem(FolderAccess& folders, std::string_view urlString,
-                                     const std::function<void(const std::string& path)>& work) {
-  const auto url = FileURL::urlWithString(urlString);
-  if (!url) return logFailure("no file URL: " + std::string(urlString));
-  const std::string& path = url->path();
-  const bool granted = folders.accessFilePath(deletingLastPathComponent(path), [&] { work(path); });
-  if (!granted) logFailure("no access to the folder of " + path);
-}
-
 void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
   const auto selection = request.stringForKey(request_key::selectedFilesUrl);
   const auto toPath = request.stringForKey(request_key::toPath);
@@ -42,7 +33,10 @@ void AppDelegate::sendFilesTo(const ActionRequest& request, IsCopy isCopy) {
     FolderAccess folders(*fileAccess_, platform_.fileManager);
     for (const std::string_view item : items) {
       if (!toPath) break;
-      accessParentOfItem(folders, item, [&](const std::string& source) {
+      const auto url = urlOfItem(item);
+      if (!url) continue;
+      const std::string& source = url->path();
+      accessFolderOfItem(folders, deletingLastPathComponent(source), source, [&] {
         const bool granted =
             folders.accessFilePath(folder, [&] { sendItem(source, folder, isCopy); });
         if (!granted) logFailure("no access to " + folder);
@@ -71,8 +65,11 @@ void AppDelegate::sendItemsToChosenFolder(const std::vector<std::string_view>& i
   {
     FolderAccess folders(*fileAccess_, platform_.fileManager);
     for (const std::string_view item : items) {
-      accessParentOfItem(folders, item,
-                         [&](const std::string& source) { sendItem(source, folder, isCopy); });
+      const auto url = urlOfItem(item);
+      if (!url) continue;
+      const std::string& source = url->path();
+      accessFolderOfItem(folders, deletingLastPathComponent(source), source,
+                         [&] { sendItem(source, folder, isCopy); });
     }
   }
   playResultSound(items.size(), successSound_);

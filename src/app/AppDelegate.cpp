@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "actions/FolderAccess.h"
 #include "foundation/PathString.h"
 #include "sandbox/AppSandboxFileAccessPersist.h"
 #include "settings/SettingsKeys.h"
@@ -182,6 +183,17 @@ std::string AppDelegate::homePath() const {
 
 bool AppDelegate::itemExists(const std::string& path) const {
   return platform_.fileManager.fileExistsAtPath(path);
+}
+
+std::optional<FileURL> AppDelegate::urlOfItem(std::string_view item) {
+  auto url = FileURL::urlWithString(item);
+  if (!url) logFailure("no file URL: " + std::string(item));
+  return url;
+}
+
+void AppDelegate::accessFolderOfItem(FolderAccess& folders, const std::string& folder,
+                                     const std::string& path, const std::function<void()>& work) {
+  if (!folders.accessFilePath(folder, work)) logFailure("no access to the folder of " + path);
 }
 
 void AppDelegate::logFailure(const std::string& reason) {

@@ -140,14 +140,12 @@ class AppDelegate final : public ApplicationDelegate {
   void sendItem(const std::string& sourcePath, const std::string& destinationFolder, IsCopy isCopy);
   void sendItemsToChosenFolder(const std::vector<std::string_view>& items,
                                const std::string& folder, IsCopy isCopy);
-  /// Runs `work` with the path of a selected item inside a grant of its parent folder. Without an
-  /// item or a grant only the log hears of it.
-  void accessParentOfItem(FolderAccess& folders, std::string_view urlString,
-                          const std::function<void(const std::string& path)>& work);
-  /// Runs `work` with the path of an item inside a grant of the folder that its URL names. Without
-  /// an item or a grant only the log hears of it.
-  void accessFolderOfItem(FolderAccess& folders, std::string_view item,
-                          const std::function<void(const std::string& path)>& work);
+  /// The URL of an item of a selection; of what is no file URL only the log hears.
+  std::optional<FileURL> urlOfItem(std::string_view item);
+  /// Runs `work` inside a grant of `folder`, that of the item at `path`. Without a grant only the
+  /// log hears of it.
+  void accessFolderOfItem(FolderAccess& folders, const std::string& folder, const std::string& path,
+                          const std::function<void()>& work);
   void setHidden(const std::string& path, IsHidden isHidden);
   void setHiddenOfItems(FolderAccess& folders, const std::optional<std::string>& selection,
                         IsHidden isHidden);

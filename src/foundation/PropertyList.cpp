@@ -59,7 +59,10 @@ PropertyList::PropertyList(double value) : value_(value) {}
 PropertyList::PropertyList(const char* value) : value_(std::string(value)) {}
 PropertyList::PropertyList(std::string value) : value_(std::move(value)) {}
 PropertyList::PropertyList(std::string_view value) : value_(std::string(value)) {}
-PropertyList::PropertyList(Data value) : value_(std::move(value)) {}
+PropertyList::PropertyList(Data value)
+    : PropertyList(std::make_shared<const Data>(std::move(value))) {}
+PropertyList::PropertyList(std::shared_ptr<const Data> value)
+    : value_(SharedData{value ? std::move(value) : std::make_shared<const Data>()}) {}
 PropertyList::PropertyList(Date value) : value_(value) {}
 PropertyList::PropertyList(Array value) : value_(std::move(value)) {}
 PropertyList::PropertyList(Dictionary value) : value_(std::move(value)) {}
@@ -127,7 +130,13 @@ const std::string* PropertyList::stringIfString() const {
 }
 
 const PropertyList::Data* PropertyList::dataIfData() const {
-  return std::get_if<Data>(&value_);
+  const auto* data = std::get_if<SharedData>(&value_);
+  return data == nullptr ? nullptr : data->bytes.get();
+}
+
+std::shared_ptr<const PropertyList::Data> PropertyList::sharedDataIfData() const {
+  const auto* data = std::get_if<SharedData>(&value_);
+  return data == nullptr ? nullptr : data->bytes;
 }
 
 const PropertyList::Date* PropertyList::dateIfDate() const {
@@ -166,6 +175,10 @@ std::string PropertyList::stringForKey(std::string_view key) const {
 bool PropertyList::boolForKey(std::string_view key) const {
   const PropertyList* value = find(key);
   return value != nullptr && value->boolValue();
+}
+
+bool PropertyList::SharedData::operator==(const SharedData& other) const {
+  return bytes == other.bytes || *bytes == *other.bytes;
 }
 
 bool PropertyList::operator==(const PropertyList& other) const {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,7 +16,8 @@ namespace tavrin {
 /// The kinds are those of Foundation's property lists. Strings are byte strings: usually UTF-8, but
 /// a path that is not keeps its bytes. Dictionaries list their keys in byte order, so that "the
 /// first key" is the same on every run. Reading never fails: a value of another kind, or an absent
-/// one, reads as the conversions of NSUserDefaults say.
+/// one, reads as the conversions of NSUserDefaults say. Data is immutable and shared: copying a
+/// list copies no bytes of it.
 class PropertyList {
  public:
   using Data = std::vector<std::uint8_t>;
@@ -36,6 +38,8 @@ class PropertyList {
   PropertyList(std::string value);
   PropertyList(std::string_view value);
   PropertyList(Data value);
+  /// Shares the bytes; null stands for none.
+  PropertyList(std::shared_ptr<const Data> value);
   PropertyList(Date value);
   PropertyList(Array value);
   PropertyList(Dictionary value);
@@ -71,6 +75,8 @@ class PropertyList {
   const std::string* stringIfString() const;
   /// The bytes; nothing when this is no data.
   const Data* dataIfData() const;
+  /// The bytes, shared with this value and its copies; null when this is no data.
+  std::shared_ptr<const Data> sharedDataIfData() const;
   /// The date; nothing when this is no date.
   const Date* dateIfDate() const;
   /// The elements; nothing when this is no array.
@@ -92,7 +98,13 @@ class PropertyList {
   bool operator==(const PropertyList& other) const;
 
  private:
-  std::variant<bool, std::int64_t, double, std::string, Data, Date, Array, Dictionary> value_;
+  /// Bytes that several values hold; never null.
+  struct SharedData {
+    std::shared_ptr<const Data> bytes;
+    bool operator==(const SharedData& other) const;
+  };
+
+  std::variant<bool, std::int64_t, double, std::string, SharedData, Date, Array, Dictionary> value_;
 };
 
 /// What `%@` shows for a string that may be missing: the string, or "(null)".

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <optional>
+#include <string>
 
 #include "foundation/PropertyList.h"
 #include "foundation/Result.h"
@@ -12,10 +14,25 @@ class Image {
  public:
   virtual ~Image() = default;
 
+  /// The size in pixels.
+  virtual int width() const = 0;
+  virtual int height() const = 0;
+
   /// The picture as a PNG file with square sides of at most `largestSide` pixels (1 or more):
   /// scaled down to fit, never up, and centred; what it does not fill is transparent. The same
   /// picture gives the same bytes.
   virtual Result<PropertyList::Data> squarePng(int largestSide) const = 0;
+
+  /// The picture as a TIFF file of its own size, with its transparency, compressed without loss
+  /// (TIFFRepresentation). The same picture gives the same bytes.
+  virtual Result<PropertyList::Data> tiffRepresentation() const = 0;
+};
+
+/// A picture's size in pixels.
+struct ImageSize {
+  int width = 0;
+  int height = 0;
+  bool operator==(const ImageSize&) const = default;
 };
 
 /// Makes pictures. Used on the main thread.
@@ -30,6 +47,14 @@ class ImageProvider {
   /// other formats that the system knows. Of several pictures in one file it is the largest.
   /// Nothing for anything else; the size is judged before memory is taken for the picture.
   virtual std::unique_ptr<Image> imageWithData(const PropertyList::Data& data) = 0;
+
+  /// The same for the file at `path` (absolute), which a started scope covers
+  /// (initWithContentsOfFile:). A file that cannot be read reaches the log with the cause.
+  virtual std::unique_ptr<Image> imageWithContentsOfFile(const std::string& path) = 0;
+
+  /// The size that `imageWithData` would give the picture, from the file's header, without decoding
+  /// the picture where the format has such a header. Nothing where that tells none.
+  virtual std::optional<ImageSize> sizeOfImageWithData(const PropertyList::Data& data) = 0;
 };
 
 }  // namespace tavrin

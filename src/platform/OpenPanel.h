@@ -41,6 +41,9 @@ class OpenPanel {
   virtual void setDirectoryURL(const FileURL& url) = 0;
   /// `delegate` outlives the panel; nullptr enables every item.
   virtual void setDelegate(const OpenSavePanelDelegate* delegate) = 0;
+  /// The extensions, without a dot and in any case, that a file may have; others are greyed out.
+  /// With none every file may be picked. Folders are not concerned.
+  virtual void setAllowedFileTypes(std::vector<std::string> extensions) = 0;
   /// A plain, unselectable text (an accessory view, disclosed) of at most 800 points in width.
   virtual void setAccessoryText(const std::string& text) = 0;
 

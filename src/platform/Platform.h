@@ -4,6 +4,7 @@
 #include "platform/Application.h"
 #include "platform/Bundle.h"
 #include "platform/DistributedNotificationCenter.h"
+#include "platform/ExtensionController.h"
 #include "platform/FileManager.h"
 #include "platform/Image.h"
 #include "platform/LaunchServices.h"
@@ -51,6 +52,7 @@ struct Platform {
   Services& services;
   Shell& shell;
   ImageProvider& images;
+  ExtensionController& extensionController;
 };
 
 }  // namespace tavrin

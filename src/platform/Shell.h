@@ -25,6 +25,12 @@ class Shell {
   /// with invalid_argument for a script with a NUL byte, else with the system's cause. The
   /// first lines that the script prints go to the log.
   virtual Result<int> system(const std::string& script, const std::string& writableFolder) = 0;
+
+  /// Runs `command`, a text of the program's own, by the standard shell with all that the user may
+  /// do, and returns what it prints to its standard output, read until all who may print have
+  /// closed it. "" when it could not be started, which reaches the log. Nothing of files or users
+  /// may stand in the command.
+  virtual std::string outputOfCommand(const std::string& command) = 0;
 };
 
 }  // namespace tavrin

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "platform/Image.h"
@@ -30,6 +31,17 @@ class Workspace {
   /// user keeps in the folder stays, and a removed icon leaves nothing behind there. True when some
   /// file manager of the system will show it; a failure reaches the log.
   virtual bool setIcon(const Image* image, const std::string& path) = 0;
+
+  /// The icon of the item at `path` (absolute) as the desktop shows it for such items, a PNG file
+  /// of `sidePixels` pixels square: by the kind of a folder, by the type of a file (iconForFile:).
+  /// Of a missing item it is told by the name; one that no name tells is taken for a folder where
+  /// the name has no extension. Reads nothing of the file and needs no scope.
+  virtual std::optional<PropertyList::Data> iconForFile(const std::string& path,
+                                                        int sidePixels) = 0;
+
+  /// Opens a URL ("https://...", "mailto:...") in the default application of its scheme. Returns at
+  /// once; a failure reaches the log.
+  virtual void openURL(const std::string& url) = 0;
 
   /// Opens a window of the file viewer in which the item at `path` is selected; `rootPath` is the
   /// folder to show where no viewer can select it. Both are absolute. Returns at once; that no file

@@ -1,5 +1,7 @@
 #include "tests/support/FakeDesktop.h"
 
+#include <algorithm>
+
 #include "foundation/PathString.h"
 
 namespace tavrin {
@@ -22,12 +24,13 @@ class FakePanels::Panel final : public OpenPanel, public std::enable_shared_from
     settings_.delegate = delegate;
   }
   void setAccessoryText(const std::string& text) override { settings_.accessoryText = text; }
+  void setAllowedFileTypes(std::vector<std::string> extensions) override {
+    settings_.allowedFileTypes = std::move(extensions);
+  }
 
   Response runModal() override {
-    const auto picked = owner_.answer(settings_);
-    if (!picked) return Response::Cancel;
-    urls_ = {*picked};
-    return Response::OK;
+    urls_ = owner_.answer(settings_);
+    return urls_.empty() ? Response::Cancel : Response::OK;
   }
 
   void beginSheetModalForWindow(Window* /*window*/,
@@ -45,6 +48,26 @@ class FakePanels::Panel final : public OpenPanel, public std::enable_shared_from
   std::vector<FileURL> urls_;
 };
 
+namespace {
+
+std::string inLowerCase(std::string text) {
+  for (char& letter : text) {
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  }
+  return text;
+}
+
+/// A pick in a panel that chooses folders may be one, which has no type.
+bool hasAllowedType(const PanelSettings& settings, const std::string& path) {
+  const auto& types = settings.allowedFileTypes;
+  if (types.empty() || settings.canChooseDirectories.value_or(false)) return true;
+  const std::string type = inLowerCase(pathExtension(path));
+  return std::any_of(types.begin(), types.end(),
+                     [&type](const std::string& allowed) { return inLowerCase(allowed) == type; });
+}
+
+}  // namespace
+
 std::shared_ptr<OpenPanel> FakePanels::openPanel() {
   return std::make_shared<Panel>(*this);
 }
@@ -53,19 +76,37 @@ void FakePanels::answerWithPath(std::string path) {
   answerWith([path = std::move(path)](const PanelSettings&) { return path; });
 }
 
-std::optional<FileURL> FakePanels::answer(const PanelSettings& settings) {
+void FakePanels::answerWithPaths(std::vector<std::string> paths) {
+  users_.emplace_back([paths = std::move(paths)](const PanelSettings& settings) {
+    const bool mayPickAll = paths.size() < 2 || settings.allowsMultipleSelection.value_or(false);
+    return mayPickAll ? paths : std::vector<std::string>();
+  });
+}
+
+void FakePanels::answerWith(User user) {
+  users_.emplace_back([user = std::move(user)](const PanelSettings& settings) {
+    const auto path = user(settings);
+    return path ? std::vector{*path} : std::vector<std::string>();
+  });
+}
+
+std::vector<FileURL> FakePanels::answer(const PanelSettings& settings) {
   shown.push_back(settings);
-  if (users_.empty()) return std::nullopt;
-  const User user = std::move(users_.front());
+  if (users_.empty()) return {};
+  const auto user = std::move(users_.front());
   users_.pop_front();
-  const auto path = user(settings);
-  if (!path) return std::nullopt;
-  const FileURL url = FileURL::fileURLWithPath(*path);
-  if (settings.delegate != nullptr && !settings.delegate->panelShouldEnableURL(url)) {
-    return std::nullopt;
+  std::vector<FileURL> urls;
+  for (const std::string& path : user(settings)) {
+    const FileURL url = FileURL::fileURLWithPath(path);
+    const auto* rule = settings.delegate;
+    const bool isEnabled = rule == nullptr || rule->panelShouldEnableURL(url);
+    if (!isEnabled || !hasAllowedType(settings, path)) return {};
+    urls.push_back(url);
   }
-  if (grantPicked) grantPicked(url);
-  return url;
+  for (const FileURL& url : urls) {
+    if (grantPicked) grantPicked(url);
+  }
+  return urls;
 }
 
 void FakePanels::endBegunPanel() {

@@ -53,6 +53,7 @@ struct PanelSettings {
   std::string prompt, title, message, accessoryText;
   std::optional<FileURL> directory;
   const OpenSavePanelDelegate* delegate = nullptr;
+  std::vector<std::string> allowedFileTypes;
 };
 
 class FakePanels final : public PanelProvider {
@@ -65,8 +66,10 @@ class FakePanels final : public PanelProvider {
   std::shared_ptr<SavePanel> savePanel() override { return savePanels.make(); }
 
   /// Answers each panel in turn; without one the panel is cancelled.
-  void answerWith(User user) { users_.push_back(std::move(user)); }
+  void answerWith(User user);
   void answerWithPath(std::string path);
+  /// Picks several items in one panel, which must allow that.
+  void answerWithPaths(std::vector<std::string> paths);
   /// Ends the oldest panel that was begun and still stands.
   void endBegunPanel();
 
@@ -78,9 +81,9 @@ class FakePanels final : public PanelProvider {
 
  private:
   class Panel;
-  std::optional<FileURL> answer(const PanelSettings& settings);
+  std::vector<FileURL> answer(const PanelSettings& settings);
 
-  std::deque<User> users_;
+  std::deque<std::function<std::vector<std::string>(const PanelSettings&)>> users_;
   std::deque<std::function<void()>> begun_;
 };
 
@@ -123,6 +126,13 @@ class FakeWorkspace final : public Workspace {
     asked.push_back("select " + path + " in " + rootPath);
   }
   void openFile(const std::string& path) override { asked.push_back("open " + path); }
+  std::optional<PropertyList::Data> iconForFile(const std::string& path, int sidePixels) override {
+    askedIcons.emplace_back(path, sidePixels);
+    if (iconOfFile) return iconOfFile(path);
+    const std::string icon = "image icon of " + path;
+    return PropertyList::Data(icon.begin(), icon.end());
+  }
+  void openURL(const std::string& url) override { openedURLs.push_back(url); }
   bool launchApplication(const std::string& path) override {
     launched.push_back(path);
     return true;
@@ -140,6 +150,11 @@ class FakeWorkspace final : public Workspace {
   /// The paths and the names of the applications that were to open them, in order.
   std::vector<std::pair<std::string, std::string>> openedWith;
   bool applicationIsInstalled = true;
+  /// The icon of each path; without it, an image that shows "icon of <path>".
+  std::function<std::optional<PropertyList::Data>(const std::string& path)> iconOfFile;
+  /// The paths and sides whose icons were asked for, in order.
+  std::vector<std::pair<std::string, int>> askedIcons;
+  std::vector<std::string> openedURLs;
   /// What was to be done with files, in order.
   std::vector<std::string> asked;
   std::vector<std::string> launched;
@@ -185,6 +200,7 @@ class FakePreferencesWindow final : public PreferencesWindow {
     bool rootAuthorized = false;
     std::vector<double> background;
     std::function<void()> clicked;
+    std::function<void()> closed;
   };
   explicit FakePreferencesWindow(Record& record) : record_(record) { ++record.made; }
 
@@ -198,6 +214,9 @@ class FakePreferencesWindow final : public PreferencesWindow {
   bool authorizeRootButtonState() const override { return record_.rootAuthorized; }
   void setAuthorizeRootButtonAction(std::function<void()> action) override {
     record_.clicked = std::move(action);
+  }
+  void setClosedAction(std::function<void()> action) override {
+    record_.closed = std::move(action);
   }
 
  private:

@@ -4,6 +4,7 @@
 #include "tests/support/FakeAlert.h"
 #include "tests/support/FakeBundle.h"
 #include "tests/support/FakeDesktop.h"
+#include "tests/support/FakeExtensionController.h"
 #include "tests/support/FakeFileManager.h"
 #include "tests/support/FakeImages.h"
 #include "tests/support/FakeLog.h"
@@ -29,6 +30,7 @@ struct FakePlatform {
     panels.savePanels.grantPlace = [this](const std::string& path) {
       securityScope.grantPlaceByPanel(path);
     };
+    images.readFile = [this](const std::string& path) { return fileManager.contentsAtPath(path); };
     bundle.information = {{"CFBundleDisplayName", "Tavrin"}};
     for (const char* sound : {"Volume Mount.aiff", "Funk.aiff", "empty trash.aiff"}) {
       bundle.resources[sound] = std::string("/opt/tavrin/share/tavrin/") + sound;
@@ -57,6 +59,7 @@ struct FakePlatform {
   FakeServices services;
   FakeShell shell;
   FakeImages images;
+  FakeExtensionController extensionController;
 
   Platform platform{log,
                     mainLoop,
@@ -79,7 +82,8 @@ struct FakePlatform {
                     uniformTypes,
                     services,
                     shell,
-                    images};
+                    images,
+                    extensionController};
 };
 
 }  // namespace tavrin

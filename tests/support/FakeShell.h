@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -21,11 +22,18 @@ class FakeShell final : public Shell {
     if (during) during();
     return result;
   }
+  std::string outputOfCommand(const std::string& command) override {
+    commands.push_back(command);
+    return outputs[command];
+  }
 
   std::vector<Run> runs;
   /// What happens while a script runs.
   std::function<void()> during;
   Result<int> result = 0;
+  /// The commands whose output was asked for, in order, and what they print ("" for others).
+  std::vector<std::string> commands;
+  std::map<std::string, std::string> outputs;
 };
 
 }  // namespace tavrin

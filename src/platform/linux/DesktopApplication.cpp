@@ -38,12 +38,8 @@ Status findItem(const std::string& path) {
   return success();
 }
 
-}  // namespace
-
-Status launchWithFile(GDesktopAppInfo* application, const std::string& path) {
-  Status found = findItem(path);
-  if (!found) return found;
-  const std::string uri = FileURL::fileURLWithPath(path).absoluteString();
+/// `name` is what a failure calls the item that `uri` leads to.
+Status launch(GDesktopAppInfo* application, const std::string& uri, const std::string& name) {
   GList uris = {const_cast<char*>(uri.c_str()), nullptr, nullptr};
   const auto flags = static_cast<GSpawnFlags>(G_SPAWN_SEARCH_PATH | G_SPAWN_STDOUT_TO_DEV_NULL);
   GLibError error;
@@ -53,10 +49,22 @@ Status launchWithFile(GDesktopAppInfo* application, const std::string& path) {
           nullptr, nullptr, error.slot()) == FALSE) {
     const char* id = g_app_info_get_id(G_APP_INFO(application));
     return systemError(
-        "launch " + std::string(id == nullptr ? "" : id) + " (" + error.message() + ") with", path,
+        "launch " + std::string(id == nullptr ? "" : id) + " (" + error.message() + ") with", name,
         std::errc::io_error);
   }
   return success();
+}
+
+}  // namespace
+
+Status launchWithFile(GDesktopAppInfo* application, const std::string& path) {
+  Status found = findItem(path);
+  if (!found) return found;
+  return launch(application, FileURL::fileURLWithPath(path).absoluteString(), path);
+}
+
+Status launchWithUri(GDesktopAppInfo* application, const std::string& uri) {
+  return launch(application, uri, uri);
 }
 
 }  // namespace tavrin

@@ -16,4 +16,7 @@ namespace tavrin {
 /// cannot be started; how a D-Bus activation ends is not waited for.
 Status launchWithFile(GDesktopAppInfo* application, const std::string& path);
 
+/// The same with a URI, which needs to lead nowhere.
+Status launchWithUri(GDesktopAppInfo* application, const std::string& uri);
+
 }  // namespace tavrin

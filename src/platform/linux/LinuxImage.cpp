@@ -26,7 +26,10 @@ class LinuxImage final : public Image {
  public:
   explicit LinuxImage(QImage picture) : picture_(std::move(picture)) {}
 
+  int width() const override { return picture_.width(); }
+  int height() const override { return picture_.height(); }
   Result<PropertyList::Data> squarePng(int largestSide) const override;
+  Result<PropertyList::Data> tiffRepresentation() const override;
 
  private:
   QImage picture_;
@@ -46,30 +49,50 @@ QImage squareOf(const QImage& picture, int largestSide) {
   return square;
 }
 
-Result<PropertyList::Data> LinuxImage::squarePng(int largestSide) const {
+enum class Compression { Usual, Lossless };
+
+Result<PropertyList::Data> fileOf(const QImage& picture, const char* format,
+                                  Compression compression) {
   QByteArray bytes;
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);
-  QImageWriter writer(&buffer, "png");
-  if (!writer.write(squareOf(picture_, largestSide))) {
+  QImageWriter writer(&buffer, format);
+  // Of TIFF this is LZW.
+  if (compression == Compression::Lossless) writer.setCompression(1);
+  if (!writer.write(picture)) {
     return SystemError{"write", "image (" + writer.errorString().toStdString() + ")",
                        std::make_error_code(std::errc::io_error)};
   }
   return PropertyList::Data(bytes.begin(), bytes.end());
 }
 
+Result<PropertyList::Data> LinuxImage::squarePng(int largestSide) const {
+  return fileOf(squareOf(picture_, largestSide), "png", Compression::Usual);
+}
+
+Result<PropertyList::Data> LinuxImage::tiffRepresentation() const {
+  // Colours of a palette and grey alike become RGBA, which every reader knows.
+  return fileOf(picture_.convertToFormat(QImage::Format_RGBA8888), "tiff", Compression::Lossless);
+}
+
 bool isGzip(const PropertyList::Data& data) {
   return data.size() >= 2 && data[0] == 0x1f && data[1] == 0x8b;
 }
 
+long long pixelCount(const QSize& size) {
+  return size.isEmpty() ? 0 : static_cast<long long>(size.width()) * size.height();
+}
+
 bool isWithinBounds(const QSize& size) {
-  return !size.isEmpty() &&
-         static_cast<long long>(size.width()) * size.height() <= ImageProvider::largestPixelCount;
+  return !size.isEmpty() && pixelCount(size) <= ImageProvider::largestPixelCount;
 }
 
 bool holdsMore(const QImage& one, const QImage& other) {
-  return static_cast<long long>(one.width()) * one.height() >
-         static_cast<long long>(other.width()) * other.height();
+  return pixelCount(one.size()) > pixelCount(other.size());
+}
+
+std::optional<ImageSize> sizeOf(const QSize& size) {
+  return size.isEmpty() ? std::nullopt : std::optional(ImageSize{size.width(), size.height()});
 }
 
 /// Reads the pictures of one file.
@@ -90,6 +113,19 @@ class PictureReader {
                        [&](const char* known) { return format == known; });
   }
 
+  /// The size of the largest picture within the bounds; nothing when a header tells none.
+  std::optional<ImageSize> largestSize() {
+    if (reader_.format() == "svg") return sizeOf(drawingSize());
+    QSize largest;
+    const int count = std::clamp(reader_.imageCount(), 1, mostPictures);
+    for (int index = 0; index < count; ++index) {
+      if (index > 0 && !reader_.jumpToImage(index)) break;
+      const QSize size = reader_.size();
+      if (isWithinBounds(size) && pixelCount(size) > pixelCount(largest)) largest = turned(size);
+    }
+    return sizeOf(largest);
+  }
+
   /// The largest picture within the bounds; none with the reason.
   QImage readLargest(std::string& reason) {
     if (reader_.format() == "svg") return readDrawing(reason);
@@ -105,14 +141,24 @@ class PictureReader {
 
  private:
   QImage readDrawing(std::string& reason) {
-    const int side = LinuxImageProvider::drawingSide;
-    const QSize natural = reader_.size();
-    reader_.setScaledSize((natural.isEmpty() ? QSize(1, 1) : natural)
-                              .scaled(side, side, Qt::KeepAspectRatio)
-                              .expandedTo(QSize(1, 1)));
+    reader_.setScaledSize(drawingSize());
     QImage picture = reader_.read();
     if (picture.isNull()) reason = reader_.errorString().toStdString();
     return picture;
+  }
+
+  QSize drawingSize() const {
+    const int side = LinuxImageProvider::drawingSide;
+    const QSize natural = reader_.size();
+    return (natural.isEmpty() ? QSize(1, 1) : natural)
+        .scaled(side, side, Qt::KeepAspectRatio)
+        .expandedTo(QSize(1, 1));
+  }
+
+  QSize turned(const QSize& size) const {
+    const bool isTurned =
+        reader_.transformation().testFlag(QImageIOHandler::TransformationRotate90);
+    return isTurned ? size.transposed() : size;
   }
 
   QImage readWithinBounds(std::string& reason) {
@@ -144,6 +190,22 @@ std::unique_ptr<Image> LinuxImageProvider::imageWithData(const PropertyList::Dat
   if (!picture.isNull()) return std::make_unique<LinuxImage>(std::move(picture));
   log_.write("no image in " + std::to_string(data.size()) + " bytes of data: " + reason);
   return nullptr;
+}
+
+std::unique_ptr<Image> LinuxImageProvider::imageWithContentsOfFile(const std::string& path) {
+  const auto data = fileManager_.contentsAtPath(path);
+  if (data) return imageWithData(data.value());
+  log_.write(data.error().describe());
+  return nullptr;
+}
+
+std::optional<ImageSize> LinuxImageProvider::sizeOfImageWithData(const PropertyList::Data& data) {
+  if (isGzip(data)) return std::nullopt;
+  PictureReader reader(data);
+  if (!reader.isKnownFormat()) return std::nullopt;
+  if (const auto size = reader.largestSize()) return size;
+  std::string reason;
+  return sizeOf(PictureReader(data).readLargest(reason).size());
 }
 
 }  // namespace tavrin

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/FileManager.h"
 #include "platform/Image.h"
 #include "platform/Log.h"
 
@@ -8,16 +9,23 @@ namespace tavrin {
 /// Pictures by Qt's readers.
 class LinuxImageProvider final : public ImageProvider {
  public:
-  /// `log` outlives the provider.
-  explicit LinuxImageProvider(Log& log) : log_(log) {}
+  /// Both outlive the provider.
+  LinuxImageProvider(const FileManager& fileManager, Log& log)
+      : fileManager_(fileManager), log_(log) {}
 
   /// Of a drawing (SVG) the picture is made at `drawingSide` pixels on its longer side. Data that
   /// is no image reaches the log with the reason.
   std::unique_ptr<Image> imageWithData(const PropertyList::Data& data) override;
 
+  std::unique_ptr<Image> imageWithContentsOfFile(const std::string& path) override;
+
+  /// ICNS, whose header tells no size, is decoded.
+  std::optional<ImageSize> sizeOfImageWithData(const PropertyList::Data& data) override;
+
   static constexpr int drawingSide = 512;
 
  private:
+  const FileManager& fileManager_;
   Log& log_;
 };
 

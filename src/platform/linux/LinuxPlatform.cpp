@@ -10,6 +10,7 @@
 #include "platform/linux/LinuxApplication.h"
 #include "platform/linux/LinuxBundle.h"
 #include "platform/linux/LinuxDistributedNotificationCenter.h"
+#include "platform/linux/LinuxExtensionController.h"
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxImage.h"
 #include "platform/linux/LinuxLaunchServices.h"
@@ -64,6 +65,7 @@ struct LinuxPlatform::Services {
   LinuxServices terminalServices;
   LinuxShell shell;
   LinuxImageProvider images;
+  LinuxExtensionController extensionController;
   LinuxApplication application;
   std::unique_ptr<UserDefaults> standardUserDefaults;
   LinuxAppearance appearance;
@@ -94,7 +96,8 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       distributedNotifications(intake.connection(), log),
       terminalServices(bundle, propertyLists, log),
       shell(securityScope.startedScopes(), log, bundle.builtInPlugInsPath()),
-      images(log),
+      images(fileManager, log),
+      extensionController(log),
       application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
       appearance([this](bool isDark) { appearanceChanged(isDark); }),
@@ -121,7 +124,8 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                uniformTypes,
                terminalServices,
                shell,
-               images} {
+               images,
+               extensionController} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
 }
 

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,7 +16,9 @@
 #include <vector>
 
 #include "foundation/PathString.h"
+#include "platform/linux/CommandOutput.h"
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/ProcessSpawning.h"
 #include "platform/linux/SystemErrors.h"
 #include "platform/linux/shell/Protocol.h"
 
@@ -32,17 +33,6 @@ constexpr std::size_t mostOutputLines = 20;
 // What a pipe can still hold when nobody writes any more.
 constexpr int piecesOfAPipe = 16;
 constexpr std::size_t longestPiece = 4096;
-
-struct Pipe {
-  FileDescriptor readEnd;
-  FileDescriptor writeEnd;
-};
-
-Result<Pipe> makePipe() {
-  std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) return systemError("make a pipe", "");
-  return Pipe{FileDescriptor(ends[0]), FileDescriptor(ends[1])};
-}
 
 /// A copy that no descriptor of the helper's will overwrite before it is put in its place.
 FileDescriptor outOfTheWay(const FileDescriptor& descriptor) {
@@ -61,54 +51,6 @@ std::vector<std::string> scriptEnvironment(const std::string& toolsFolder) {
   }
   return variables;
 }
-
-std::vector<char*> pointersTo(std::vector<std::string>& words) {
-  std::vector<char*> pointers;
-  pointers.reserve(words.size() + 1);
-  for (std::string& word : words) pointers.push_back(word.data());
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-class SpawnSettings {
- public:
-  SpawnSettings() {
-    ::posix_spawn_file_actions_init(&actions_);
-    ::posix_spawnattr_init(&attributes_);
-    sigset_t none;
-    sigset_t all;
-    ::sigemptyset(&none);
-    ::sigfillset(&all);
-    ::posix_spawnattr_setsigmask(&attributes_, &none);
-    ::posix_spawnattr_setsigdefault(&attributes_, &all);
-    ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
-  }
-  SpawnSettings(const SpawnSettings&) = delete;
-  SpawnSettings& operator=(const SpawnSettings&) = delete;
-  ~SpawnSettings() {
-    ::posix_spawn_file_actions_destroy(&actions_);
-    ::posix_spawnattr_destroy(&attributes_);
-  }
-
-  void open(int target, const char* path) {
-    ::posix_spawn_file_actions_addopen(&actions_, target, path, O_RDONLY, 0);
-  }
-  void put(const FileDescriptor& descriptor, int target) {
-    ::posix_spawn_file_actions_adddup2(&actions_, descriptor.get(), target);
-  }
-  /// The child's process number.
-  Result<int> spawn(std::vector<std::string> words, std::vector<std::string> environment) {
-    pid_t child = -1;
-    const int cause = ::posix_spawn(&child, words.front().c_str(), &actions_, &attributes_,
-                                    pointersTo(words).data(), pointersTo(environment).data());
-    if (cause != 0) return systemError("start", words.front(), cause);
-    return static_cast<int>(child);
-  }
-
- private:
-  posix_spawn_file_actions_t actions_{};
-  posix_spawnattr_t attributes_{};
-};
 
 /// What comes from a pipe, up to a length; the rest is read and dropped.
 class Listener {
@@ -258,6 +200,13 @@ std::string LinuxShell::helperPath() const {
 
 void LinuxShell::reportOnce(const std::string& missing) {
   if (reported_.insert(missing).second) log_.write("scripts run less confined: " + missing);
+}
+
+std::string LinuxShell::outputOfCommand(const std::string& command) {
+  auto output = tavrin::outputOfCommand(command);
+  if (output) return std::move(output.value());
+  log_.write(output.error().describe());
+  return {};
 }
 
 }  // namespace tavrin

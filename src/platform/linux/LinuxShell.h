@@ -20,6 +20,7 @@ class LinuxShell final : public Shell {
   LinuxShell(const StartedScopes& scopes, Log& log, std::string moduleFolder);
 
   Result<int> system(const std::string& script, const std::string& writableFolder) override;
+  std::string outputOfCommand(const std::string& command) override;
 
  private:
   /// Pipes from the helper.

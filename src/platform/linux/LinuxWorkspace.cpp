@@ -8,9 +8,11 @@
 
 #include "foundation/PathString.h"
 #include "platform/linux/DefaultApplication.h"
+#include "platform/linux/FileIcon.h"
 #include "platform/linux/FileViewer.h"
 #include "platform/linux/OpenWithApplication.h"
 #include "platform/linux/ProgramLauncher.h"
+#include "platform/linux/UrlOpening.h"
 
 namespace tavrin {
 
@@ -58,6 +60,19 @@ void LinuxWorkspace::selectFile(const std::string& path, const std::string& root
 
 void LinuxWorkspace::openFile(const std::string& path) {
   const Status opened = openWithDefaultApplication(path);
+  if (!opened) log_.write(opened.error().describe());
+}
+
+std::optional<PropertyList::Data> LinuxWorkspace::iconForFile(const std::string& path,
+                                                              int sidePixels) {
+  auto icon = pngOfFileIcon(path, sidePixels);
+  if (icon) return std::move(icon.value());
+  log_.write(icon.error().describe());
+  return std::nullopt;
+}
+
+void LinuxWorkspace::openURL(const std::string& url) {
+  const Status opened = openUrl(url);
   if (!opened) log_.write(opened.error().describe());
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/Log.h"
@@ -28,6 +29,8 @@ class LinuxWorkspace final : public Workspace {
   void selectNoFileInFileViewerRootedAtPath(const std::string& rootPath) override;
   void selectFile(const std::string& path, const std::string& rootPath) override;
   void openFile(const std::string& path) override;
+  std::optional<PropertyList::Data> iconForFile(const std::string& path, int sidePixels) override;
+  void openURL(const std::string& url) override;
 
   bool openFileWithApplication(const std::string& path,
                                const std::string& applicationName) override;

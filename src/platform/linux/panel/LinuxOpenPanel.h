@@ -2,6 +2,8 @@
 
 #include <functional>
 #include <memory>
+#include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/OpenPanel.h"
@@ -31,6 +33,9 @@ class LinuxOpenPanel final : public OpenPanel, public std::enable_shared_from_th
   void setDirectoryURL(const FileURL& url) override { options_.directory = url; }
   void setDelegate(const OpenSavePanelDelegate* delegate) override {
     options_.rules.delegate = delegate;
+  }
+  void setAllowedFileTypes(std::vector<std::string> extensions) override {
+    options_.rules.allowedFileTypes = std::move(extensions);
   }
   void setAccessoryText(const std::string& text) override;
 

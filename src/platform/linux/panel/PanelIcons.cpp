@@ -103,14 +103,8 @@ QString suffixOf(const QString& name) {
 }
 
 QIcon iconOfKind(const QString& name) {
-  // By the name alone: nothing of the disk is read.
-  for (const QMimeType& type : QMimeDatabase().mimeTypesForFileName(name)) {
-    if (QIcon::hasThemeIcon(type.iconName())) return QIcon::fromTheme(type.iconName());
-    if (QIcon::hasThemeIcon(type.genericIconName())) {
-      return QIcon::fromTheme(type.genericIconName());
-    }
-  }
-  return PanelIcons::icon(QStringLiteral("text-x-generic"), PanelIcons::Symbol::Document);
+  const QIcon icon = PanelIcons::themeIconOfName(name);
+  return icon.isNull() ? PanelIcons::icon(PanelIcons::Symbol::Document) : icon;
 }
 
 }  // namespace
@@ -124,6 +118,21 @@ QIcon PanelIcons::icon(Symbol symbol) {
 
 QIcon PanelIcons::icon(const QString& themeName, Symbol symbol) {
   return QIcon::hasThemeIcon(themeName) ? QIcon::fromTheme(themeName) : icon(symbol);
+}
+
+QPixmap PanelIcons::drawing(Symbol symbol, int side) {
+  return drawnPixmap(symbol, side, QGuiApplication::palette().color(QPalette::WindowText));
+}
+
+QIcon PanelIcons::themeIconOfName(const QString& name) {
+  for (const QMimeType& type : QMimeDatabase().mimeTypesForFileName(name)) {
+    if (QIcon::hasThemeIcon(type.iconName())) return QIcon::fromTheme(type.iconName());
+    if (QIcon::hasThemeIcon(type.genericIconName())) {
+      return QIcon::fromTheme(type.genericIconName());
+    }
+  }
+  const QString plain = QStringLiteral("text-x-generic");
+  return QIcon::hasThemeIcon(plain) ? QIcon::fromTheme(plain) : QIcon();
 }
 
 const QIcon& PanelIcons::iconOfItem(const QString& name, bool isFolder) {

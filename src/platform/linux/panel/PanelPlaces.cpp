@@ -39,6 +39,11 @@ constexpr std::array standardFolders{
                    "folder-videos"},
 };
 
+/// Absolute; "" when the user has none.
+std::string pathOf(const StandardFolder& folder) {
+  return QFile::encodeName(QStandardPaths::writableLocation(folder.location)).toStdString();
+}
+
 bool isFolder(const std::string& path) {
   std::error_code unreachable;
   return std::filesystem::is_directory(path, unreachable);
@@ -87,13 +92,21 @@ std::vector<std::string> mountedVolumes(std::istream& mounts) {
   return volumes;
 }
 
+const char* themeIconOfFolder(const std::string& path) {
+  if (path == currentAccount().homeDirectory) return "user-home";
+  if (path == "/") return "drive-harddisk";
+  const auto* const folder =
+      std::find_if(standardFolders.begin(), standardFolders.end(),
+                   [&path](const StandardFolder& candidate) { return pathOf(candidate) == path; });
+  return folder == standardFolders.end() ? "folder" : folder->themeIcon;
+}
+
 std::vector<PanelPlace> panelPlaces() {
   const std::string home = currentAccount().homeDirectory;
   std::vector<PanelPlace> places{
       {QCoreApplication::translate("Tavrin", "Home"), home, "user-home", PanelIcons::Symbol::Home}};
   for (const StandardFolder& folder : standardFolders) {
-    const std::string path =
-        QFile::encodeName(QStandardPaths::writableLocation(folder.location)).toStdString();
+    const std::string path = pathOf(folder);
     // A user folder that is switched off points to the home folder.
     if (path.empty() || path == home || !isFolder(path)) continue;
     places.push_back({QCoreApplication::translate("Tavrin", folder.name), path, folder.themeIcon,

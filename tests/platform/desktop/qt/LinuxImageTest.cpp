@@ -9,6 +9,7 @@
 
 #include "platform/linux/LinuxImage.h"
 #include "tests/platform/desktop/DesktopSession.h"
+#include "tests/support/FakeFileManager.h"
 #include "tests/support/FakeLog.h"
 
 namespace tavrin {
@@ -66,7 +67,8 @@ class LinuxImageTest : public testing::Test {
   }
 
   FakeLog log_;
-  LinuxImageProvider provider_{log_};
+  FakeFileManager fileManager_;
+  LinuxImageProvider provider_{fileManager_, log_};
 };
 
 TEST_F(LinuxImageTest, readsTheFormatsOfIcons) {

@@ -3,7 +3,7 @@
 import plistlib
 import re
 
-from session import APPLICATION_ID, GROUP, SOURCE_DIR, HostTest, main, wait_until
+from session import APPLICATION_ID, BUILD_DIR, GROUP, HostTest, main, wait_until
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 
@@ -13,7 +13,7 @@ def yes_or_no(flag):
 
 
 def default_settings():
-    return plistlib.loads((SOURCE_DIR / "resources" / "DefaultPreferences.plist").read_bytes())
+    return plistlib.loads((BUILD_DIR / "share" / "tavrin" / "DefaultPreferences.plist").read_bytes())
 
 
 class Settings(HostTest):

@@ -20,7 +20,8 @@ class DefaultPreferences : public testing::Test {
  protected:
   static void SetUpTestSuite() {
     LinuxPropertyListSerialization serialization;
-    const auto read = serialization.propertyListWithContentsOfFile(TAVRIN_DEFAULT_PREFERENCES);
+    const auto read = serialization.propertyListWithContentsOfFile(TAVRIN_TEST_RESOURCES
+                                                                   "/DefaultPreferences.plist");
     ASSERT_TRUE(read) << read.error().describe();
     ASSERT_TRUE(read.value().isDictionary());
     settings = *read.value().dictionaryIfDictionary();
@@ -131,21 +132,6 @@ TEST_F(DefaultPreferences, NameEachTemplateAndFolderOnce) {
     EXPECT_EQ(paths.size(), rowsOf(listKey).size()) << listKey;
     EXPECT_THAT(paths, testing::Each(testing::StartsWith("~"))) << listKey;
   }
-}
-
-TEST_F(DefaultPreferences, BringSmallTiffImagesThatDiffer) {
-  constexpr std::size_t maximumBytes = 6000;
-  const PropertyList::Data magic{'I', 'I', 42, 0};
-  std::set<PropertyList::Data> images;
-  for (const PropertyList& row : rowsOf("arrOfCustomIcon")) {
-    const auto* icon = row.find("icon")->dataIfData();
-    ASSERT_NE(icon, nullptr);
-    ASSERT_GT(icon->size(), magic.size());
-    EXPECT_TRUE(std::equal(magic.begin(), magic.end(), icon->begin()));
-    EXPECT_LT(icon->size(), maximumBytes);
-    images.insert(*icon);
-  }
-  EXPECT_EQ(images.size(), rowsOf("arrOfCustomIcon").size());
 }
 
 }  // namespace

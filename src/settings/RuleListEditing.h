@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -91,25 +92,29 @@ class RuleListEditing {
 
  private:
   struct Adding;
-  using Publish = std::function<void()>;
+  using Picked = std::function<void(const std::vector<FileURL>& urls)>;
 
-  void begin(const std::shared_ptr<OpenPanel>& panel,
-             std::function<void(const std::vector<FileURL>& urls)> picked);
+  static const Adding* addingOf(RuleList list);
+  std::shared_ptr<OpenPanel> folderPanel(const std::string& startFolder) const;
+  std::shared_ptr<OpenPanel> filePanel(const std::string& startFolder) const;
+  void begin(const std::shared_ptr<OpenPanel>& panel, Picked picked);
   std::string desktop() const;
   std::string startFolder(const Adding& adding) const;
   void appendRows(const Adding& adding, const std::vector<FileURL>& urls);
-  std::optional<PropertyList::Dictionary> recordOfTemplate(const FileURL& url);
-  std::optional<PropertyList::Dictionary> recordOfFolder(const FileURL& url);
-  std::optional<PropertyList::Dictionary> recordOfIcon(const FileURL& url);
+  Result<PropertyList::Dictionary> recordOfTemplate(const std::string& path);
+  Result<PropertyList::Dictionary> recordOfFolder(const std::string& path);
+  Result<PropertyList::Dictionary> recordOfIcon(const std::string& path);
 
+  const PropertyList* recordAt(RuleList list, std::size_t row) const;
+  void setFields(RuleList list, std::size_t row, const PropertyList::Dictionary& fields);
+  void commit(RuleList list);
   enum class Synchronize { No, Yes };
   void store(RuleList list, Synchronize synchronize);
-  void commit(RuleList list);
+  void writeUnobserved(RuleList list, const std::function<void()>& write);
   void publish(RuleList list);
   void reloadData(RuleList list);
-  void listChanged(RuleList list);
-  bool hasRow(RuleList list, std::size_t row) const;
-  void setFields(RuleList list, std::size_t row, const PropertyList::Dictionary& fields);
+  void selectAfterRemoval(RuleList list, std::optional<std::size_t> removedRow);
+  void observe(RuleList list);
   void logFailure(const std::string& what, const Status& status);
 
   Platform& platform_;
@@ -118,9 +123,8 @@ class RuleListEditing {
   SettingsController& controller_;
   TemplateFiles templateFiles_;
   SettingsView* view_ = nullptr;
-  std::vector<Observation> observations_;
-  /// True while this object stores a list itself.
-  bool isStoring_ = false;
+  /// Indexed by RuleList; empty without a view.
+  std::array<Observation, ruleLists.size()> observations_;
   /// Panels that still stand when this object goes find this gone.
   std::shared_ptr<const bool> alive_;
 };

@@ -3,6 +3,9 @@
 #include <optional>
 #include <utility>
 
+#include "foundation/PathString.h"
+#include "foundation/Translatable.h"
+#include "foundation/Utf8.h"
 #include "settings/BundleLoginItems.h"
 #include "settings/TemplateFolders.h"
 
@@ -12,8 +15,19 @@ namespace {
 
 constexpr double startDelaySeconds = 0.01;
 
-constexpr const char* loginItemText =
-    "Tavrin is not need to auto starts when login,and will be removed from the login item.";
+constexpr const char* loginItemText = translatable(
+    "Tavrin is not need to auto starts when login,and will be removed from the login item.");
+
+constexpr const char* extensionTitle = "Enable Extension";
+constexpr const char* extensionText =
+    "The Tavrin Finder extension must be enabled in System Preferences";
+constexpr const char* extensionButton = "Open System Preferences";
+
+constexpr const char* textServiceBundle = "TavrinService.service";
+
+/// The lists from which the user can remove rows.
+constexpr std::array shrinkingLists{RuleList::CreateNewFile, RuleList::CustomIcon,
+                                    RuleList::CopyFilesTo, RuleList::CommonPath};
 
 }  // namespace
 
@@ -24,6 +38,7 @@ SettingsController::SettingsController(Platform& platform, UserDefaults& standar
       standardUserDefaults_(standardUserDefaults),
       workingLists_(workingLists),
       defaultSettings_(defaultSettings),
+      rules_(platform, standardUserDefaults, workingLists, *this),
       alive_(std::make_shared<const bool>(true)) {}
 
 SettingsController::~SettingsController() = default;
@@ -48,8 +63,67 @@ void SettingsController::viewDidLoad() {
   observeMirroredSwitches();
 }
 
+void SettingsController::setView(SettingsView* view) {
+  view_ = view;
+  rules_.setView(view);
+}
+
 void SettingsController::start() {
+  if (view_ == nullptr) {
+    publishAtStart();
+    workingLists_.release();
+    return;
+  }
+  view_->createNewFilePressed();
+  queueExtensionPrompt();
   publishAtStart();
+  for (const RuleList list : shrinkingLists) view_->setRemoveButtonEnabled(list, false);
+}
+
+void SettingsController::queueExtensionPrompt() {
+  const bool wasShown = standardUserDefaults_.boolForKey(settings_key::shownEnableExtensionAlert);
+  if (isExtensionEnabled() && wasShown) return;
+  platform_.mainLoop.async([this, alive = std::weak_ptr<const bool>(alive_)] {
+    if (alive.expired()) return;
+    promptToEnableExtension();
+    if (alive.expired()) return;
+    standardUserDefaults_.setObject(true, settings_key::shownEnableExtensionAlert);
+  });
+}
+
+bool SettingsController::isExtensionEnabled() const {
+  return platform_.extensionController.isExtensionEnabled();
+}
+
+void SettingsController::promptToEnableExtension() {
+  const auto alert = platform_.alerts.alert();
+  alert->setMessageText(extensionTitle);
+  alert->setInformativeText(extensionText);
+  alert->addButtonWithTitle(extensionButton);
+  if (alert->runModal() == Alert::firstButtonReturn) openSystemPreferences();
+}
+
+void SettingsController::openSystemPreferences() {
+  platform_.extensionController.showExtensionManagementInterface();
+}
+
+void SettingsController::textServiceCheckButtonClick() {
+  const std::string service =
+      appendingPathComponent(platform_.bundle.builtInPlugInsPath(), textServiceBundle);
+  platform_.mainLoop.runInBackground([&platform = platform_, service] {
+    const auto standardUserDefaults = platform.userDefaults.standardUserDefaults();
+    if (!standardUserDefaults->boolForKey(settings_key::enableTextService)) return;
+    platform.workspace.launchApplication(service);
+  });
+}
+
+std::optional<std::string> SettingsController::runCommand(const std::string& command) {
+  std::string output = platform_.shell.outputOfCommand(command);
+  return isUtf8(output) ? std::optional(std::move(output)) : std::nullopt;
+}
+
+void SettingsController::openLink(LinkAction action) {
+  platform_.workspace.openURL(addressOfLink(action));
 }
 
 void SettingsController::saveData(const PropertyList& object, const std::string& key) {

@@ -1,18 +1,23 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "platform/Platform.h"
 #include "settings/DefaultSettings.h"
+#include "settings/Links.h"
+#include "settings/RuleListEditing.h"
 #include "settings/SettingsKeys.h"
+#include "settings/SettingsView.h"
 #include "settings/WorkingLists.h"
 
 namespace tavrin {
 
-/// Carries settings from the standard store to the suite that the menu reads. The suite is written
-/// through an object opened for each write, is durable after it, and is never read back.
+/// What the preferences window does, without its widgets: edits the rule lists, and carries
+/// settings from the standard store to the suite that the menu reads. The suite is written through
+/// an object opened for each write, is durable after it, and is never read back.
 /// Used on the main thread.
 class SettingsController {
  public:
@@ -27,12 +32,39 @@ class SettingsController {
   /// items, says in an alert that it need not be, and removes it on "OK".
   void removeFromLoginItemsIfListed();
 
+  /// The editing of the rule lists.
+  RuleListEditing& rules() { return rules_; }
+
+  /// The window that shows the settings, to be set before its viewDidLoad; nullptr when it goes.
+  void setView(SettingsView* view);
+
   /// What the preferences view does once it is loaded, each time: prepares the template folders,
   /// observes the mirrored switches, and has `start` called 0.01 seconds later.
   void viewDidLoad();
 
-  /// Publishes what the menu has to know from the start.
+  /// Publishes what the menu has to know from the start. With a view this comes after its first
+  /// page is shown and before its remove buttons are disabled; the prompt to enable the extension
+  /// waits in the main loop where the extension is off or the prompt was never shown. Without a
+  /// view the working lists are forgotten afterwards.
   void start();
+
+  /// Whether the file managers show the program's menus.
+  bool isExtensionEnabled() const;
+
+  /// Says in an alert that the extension must be enabled; its button opens the system's place for
+  /// that.
+  void promptToEnableExtension();
+  void openSystemPreferences();
+
+  /// To be called when the switch "enableTextService" was clicked: where it is on, launches the
+  /// text service in the background.
+  void textServiceCheckButtonClick();
+
+  /// What a command of the standard shell prints; nothing when that is no UTF-8.
+  std::optional<std::string> runCommand(const std::string& command);
+
+  /// Opens a page on the web.
+  void openLink(LinkAction action);
 
   /// Stores a value in the shared suite.
   void saveData(const PropertyList& object, const std::string& key);
@@ -68,12 +100,15 @@ class SettingsController {
 
  private:
   std::unique_ptr<UserDefaults> openSharedSuite() const;
+  void queueExtensionPrompt();
   void mirrorSwitch(const char* key, const std::optional<PropertyList>& newValue);
 
   Platform& platform_;
   UserDefaults& standardUserDefaults_;
   WorkingLists& workingLists_;
   const DefaultSettings& defaultSettings_;
+  RuleListEditing rules_;
+  SettingsView* view_ = nullptr;
   std::vector<Observation> observations_;
   /// Work that is still scheduled when the controller goes finds this gone.
   std::shared_ptr<const bool> alive_;

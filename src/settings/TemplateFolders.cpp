@@ -8,6 +8,7 @@
 
 #include "foundation/PathString.h"
 #include "settings/SettingsKeys.h"
+#include "settings/TemplateFiles.h"
 
 namespace tavrin {
 
@@ -17,11 +18,6 @@ constexpr std::string_view imageSuffix = ".png";
 
 std::string imageName(std::string_view name) {
   return std::string(name).append(imageSuffix);
-}
-
-/// A title may hold anything; one with a separator would lead out of the folder.
-bool isNameOfOneFile(std::string_view name) {
-  return name.find_first_of(std::string_view("/\0", 2)) == name.npos;
 }
 
 bool failedWith(const Status& status, std::errc cause) {
@@ -61,7 +57,8 @@ class TemplateFolders::Preparation {
     const std::string extension = record.stringForKey(record_field::extension);
     copyResource(imageName(extension), folder);
     if (extension.empty()) return;
-    copyResource(record.stringForKey(record_field::displayName) + "." + extension, folder);
+    copyResource(TemplateFiles::nameOf(record.stringForKey(record_field::displayName), extension),
+                 folder);
   }
 
   void copyResource(const std::string& name, const std::string& folder) {

@@ -8,4 +8,12 @@ PropertyList::Array& WorkingLists::list(RuleList list) {
   return *copy;
 }
 
+void WorkingLists::release(RuleList list) {
+  lists_.at(static_cast<std::size_t>(list)).reset();
+}
+
+void WorkingLists::release() {
+  lists_ = {};
+}
+
 }  // namespace tavrin

@@ -20,6 +20,10 @@ class WorkingLists {
 
   PropertyList::Array& list(RuleList list);
 
+  /// Forgets a list, or all of them: it is copied anew when it is next asked for.
+  void release(RuleList list);
+  void release();
+
  private:
   const UserDefaults& standard_;
   std::array<std::optional<PropertyList::Array>, ruleLists.size()> lists_;

@@ -127,9 +127,9 @@ TEST_P(EachList, ResetsToNothingWithoutADefault) {
   EXPECT_EQ(stored(GetParam().listKey), PropertyList(Rows{}));
 }
 
-class SettingsView : public SettingsFixture {};
+class LoadedSettings : public SettingsFixture {};
 
-TEST_F(SettingsView, PublishesFourListsAMomentAfterItLoaded) {
+TEST_F(LoadedSettings, PublishesFourListsAMomentAfterItLoaded) {
   const Rows edited{rowNamed("edited", 1)};
   const Rows seeded{rowNamed("seeded", 1)};
   const char* listKeys[] = {"arrOfCopyFilesTo", "arrOfCustomIcon", "arrOfOthers",
@@ -152,27 +152,27 @@ TEST_F(SettingsView, PublishesFourListsAMomentAfterItLoaded) {
   EXPECT_EQ(published("arrOfCommonPath"), PropertyList(edited));
 }
 
-TEST_F(SettingsView, ThatIsGoneBeforeItsStartPublishesNothing) {
+TEST_F(LoadedSettings, ThatIsGoneBeforeItsStartPublishesNothing) {
   makeController().viewDidLoad();
   controller.reset();
   mainLoop.advance(1);
   EXPECT_TRUE(suite->keys().empty());
 }
 
-TEST_F(SettingsView, MirrorsASwitchFromTheMomentItLoaded) {
+TEST_F(LoadedSettings, MirrorsASwitchFromTheMomentItLoaded) {
   makeController().viewDidLoad();
   standard->setObject(true, "soundTipsOfNewFile");
   EXPECT_EQ(published("soundTipsOfNewFile"), PropertyList(true));
 }
 
-TEST_F(SettingsView, MakesEveryWriteToTheSuiteDurable) {
+TEST_F(LoadedSettings, MakesEveryWriteToTheSuiteDurable) {
   makeController().saveData(PropertyList::Array{}, "arrOfOthers");
   EXPECT_EQ(userDefaults.synchronizeCount(bundle.group), 1);
   controller->publishAtStart();
   EXPECT_EQ(userDefaults.synchronizeCount(bundle.group), 5);
 }
 
-TEST_F(SettingsView, AsksBeforeItRemovesTheProgramFromTheLoginItems) {
+TEST_F(LoadedSettings, AsksBeforeItRemovesTheProgramFromTheLoginItems) {
   bundle.translations["OK"] = "Gut";
   loginItems.items = {{"other", "/usr/bin/other"},
                       {"gone", std::nullopt},
@@ -194,7 +194,7 @@ TEST_F(SettingsView, AsksBeforeItRemovesTheProgramFromTheLoginItems) {
   EXPECT_EQ(loginItems.items[2].reference, "second");
 }
 
-TEST_F(SettingsView, SaysNothingWhenTheProgramIsNoLoginItem) {
+TEST_F(LoadedSettings, SaysNothingWhenTheProgramIsNoLoginItem) {
   loginItems.items = {{"other", "/usr/bin/other"}, {"gone", std::nullopt}};
   makeController().removeFromLoginItemsIfListed();
   EXPECT_TRUE(alerts.shown.empty());

@@ -1,0 +1,49 @@
+#include "settings/RowOptions.h"
+
+#include <algorithm>
+
+#include "foundation/Translatable.h"
+#include "settings/SettingsKeys.h"
+
+namespace tavrin {
+
+const std::array<RowOption, rowOptionCount> rowOptions{{
+    {"Cut",
+     {translatable("Keep visible"), translatable("Hide")},
+     {{{settings_key::enableHideWhenCutting, {false, true}}, {}}}},
+    {"Delete directly",
+     {translatable("Ask before deleting"), translatable("Delete without asking")},
+     {{{settings_key::enableDirectDeleteFiles, {false, true}},
+       {settings_key::deleteDirectlyRequiresConfirmation, {true, false}}}}},
+    {"Open in Terminal",
+     {translatable("New tab"), translatable("New window")},
+     {{{settings_key::enableOpenInTerminalWithWindow, {false, true}}, {}}}},
+    {"Open in iTerm2",
+     {translatable("New tab"), translatable("New window")},
+     {{{settings_key::enableOpenIniTerm2WithWindow, {false, true}}, {}}}},
+    {"Image to Icon for mac",
+     {translatable("Folder of images"), translatable(".icns file")},
+     {{{settings_key::enableImageToIconInMac, {false, true}}, {}}}},
+}};
+
+const RowOption* optionOfAction(std::string_view action) {
+  const auto* option = std::find_if(rowOptions.begin(), rowOptions.end(),
+                                    [action](const auto& each) { return each.action == action; });
+  return option == rowOptions.end() ? nullptr : option;
+}
+
+int chosenOption(const RowOption& option, const UserDefaults& standardUserDefaults) {
+  const OptionSetting& deciding = option.settings.front();
+  return standardUserDefaults.boolForKey(deciding.key) == deciding.values[1] ? 1 : 0;
+}
+
+void chooseOption(const RowOption& option, int choice, UserDefaults& standardUserDefaults) {
+  if (choice != 0 && choice != 1) return;
+  for (const OptionSetting& setting : option.settings) {
+    if (setting.key == nullptr) continue;
+    standardUserDefaults.setObject(setting.values.at(static_cast<std::size_t>(choice)),
+                                   setting.key);
+  }
+}
+
+}  // namespace tavrin

@@ -19,11 +19,13 @@ endif()
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/${CMAKE_INSTALL_BINDIR}")
 set(TAVRIN_MODULE_DIR "${CMAKE_INSTALL_LIBDIR}/tavrin")
 set(TAVRIN_RESOURCE_DIR "${CMAKE_INSTALL_DATADIR}/tavrin")
+set(TAVRIN_LOCALE_DIR "${CMAKE_INSTALL_LOCALEDIR}")
 
 # The identity of the product stands here once and reaches the code through Identity.h.
 set(TAVRIN_APPLICATION_ID "app.tavrin.Tavrin")
 set(TAVRIN_DISPLAY_NAME "Tavrin")
 set(TAVRIN_GROUP_IDENTIFIER "TAVRIN0001.group.app.tavrin.Tavrin")
+set(TAVRIN_TEXT_DOMAIN "tavrin")
 
 find_program(TAVRIN_CCACHE ccache)
 if(TAVRIN_CCACHE)

@@ -4,6 +4,7 @@
 
 #include "actions/FolderAccess.h"
 #include "foundation/PathString.h"
+#include "foundation/Translatable.h"
 #include "sandbox/AppSandboxFileAccessPersist.h"
 #include "settings/SettingsKeys.h"
 
@@ -13,12 +14,12 @@ namespace {
 
 constexpr double launchDelaySeconds = 0.4;
 
-constexpr const char* accessMessage =
+constexpr const char* accessMessage = translatable(
     "\n1. %@ does not have permission to read and write this folder. please click "
     "\"Authorization\". \n2. It is recommended that the authority root directory, no authorization "
-    "needed in the future.\n";
+    "needed in the future.\n");
 constexpr const char* authorizeRootMessage =
-    "\nPlease click \"Authorization\". no authorization needed in the future.\n";
+    translatable("\nPlease click \"Authorization\". no authorization needed in the future.\n");
 
 constexpr const char* appearanceChanged = "AppleInterfaceThemeChangedNotification";
 constexpr const char* exitService = "ExitService";

@@ -18,6 +18,7 @@
 #include "platform/linux/LinuxLog.h"
 #include "platform/linux/LinuxPlatform.h"
 #include "platform/linux/TerminationSignals.h"
+#include "platform/linux/TextTranslator.h"
 #include "settings/DefaultSettings.h"
 #include "settings/Seeding.h"
 #include "settings/window/QtPreferencesWindow.h"
@@ -85,6 +86,7 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
   const QApplication application(argumentCount, arguments);
 
   LinuxPlatform linuxPlatform(accepted, intake, signalsToEnd, log);
+  translateWindows();
   Platform& platform = linuxPlatform.services();
   const auto defaultSettings =
       DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);

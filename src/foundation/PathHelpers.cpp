@@ -3,12 +3,13 @@
 #include <array>
 
 #include "foundation/PathString.h"
+#include "foundation/Translatable.h"
 
 namespace tavrin {
 
 namespace {
 
-constexpr std::string_view folderPlaceholder = "Undefined";
+constexpr std::string_view folderPlaceholder = translatable("Undefined");
 
 }  // namespace
 
@@ -47,7 +48,8 @@ bool isApplicationInstalled(
 std::string displayNameOfFolder(const std::string& path, std::string_view homePath,
                                 const std::function<std::string(const std::string&)>& localized) {
   static constexpr std::array<std::string_view, 6> knownFolders = {
-      "Downloads", "Pictures", "Music", "Movies", "Desktop", "Documents"};
+      translatable("Downloads"), translatable("Pictures"), translatable("Music"),
+      translatable("Movies"),    translatable("Desktop"),  translatable("Documents")};
   for (const std::string_view folder : knownFolders) {
     if (path == std::string(homePath).append("/").append(folder)) {
       return localized(std::string(folder));

@@ -1,16 +1,17 @@
 #include "platform/linux/LinuxBundle.h"
 
-#include <QCoreApplication>
-#include <QString>
 #include <filesystem>
 
 #include "foundation/PathString.h"
 #include "platform/linux/Identity.h"
 #include "platform/linux/LinuxDirectories.h"
+#include "platform/linux/TextTable.h"
 
 namespace tavrin {
 
-LinuxBundle::LinuxBundle() : programFolder_(programDirectory()), account_(currentAccount()) {}
+LinuxBundle::LinuxBundle() : programFolder_(programDirectory()), account_(currentAccount()) {
+  bindTextTable(standardizingPath(appendingPathComponent(programFolder_, identity::localeFolder)));
+}
 
 std::string LinuxBundle::bundlePath() const {
   std::error_code ignored;
@@ -42,7 +43,7 @@ std::optional<std::string> LinuxBundle::objectForInfoDictionaryKey(const std::st
 }
 
 std::string LinuxBundle::localizedString(const std::string& key) const {
-  return QCoreApplication::translate("Tavrin", key.c_str()).toStdString();
+  return translatedText(key);
 }
 
 std::string LinuxBundle::groupIdentifier() const {

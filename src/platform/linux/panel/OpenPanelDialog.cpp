@@ -4,6 +4,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QLocale>
 #include <QPushButton>
 #include <QToolButton>
 #include <filesystem>
@@ -12,9 +13,20 @@
 #include "foundation/PathString.h"
 #include "platform/linux/DisplayText.h"
 #include "platform/linux/LinuxDirectories.h"
+#include "platform/linux/TextTable.h"
 #include "platform/linux/panel/TypedPath.h"
 
 namespace tavrin {
+
+namespace {
+
+QString itemCount(std::size_t count) {
+  const std::string text = translatedCount("%n item", "%n items", count);
+  return QString::fromStdString(text).replace(QLatin1String("%n"),
+                                              QLocale().toString(qulonglong{count}));
+}
+
+}  // namespace
 
 bool OpenPanelDialog::eventFilter(QObject* watched, QEvent* event) {
   // Return is taken before the field hands it on to the dialog, which would press the default
@@ -115,8 +127,7 @@ void OpenPanelDialog::showCandidates() {
   promptButton_->setEnabled(!urls.empty());
   problemLabel_->clear();
   if (rows.size() > 1) {
-    locationEdit_->setText(QCoreApplication::translate("Tavrin", "%n item(s)", nullptr,
-                                                       static_cast<int>(rows.size())));
+    locationEdit_->setText(itemCount(rows.size()));
     return;
   }
   locationEdit_->setText(displayName(

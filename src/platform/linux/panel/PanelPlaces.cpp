@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "foundation/PathString.h"
+#include "foundation/Translatable.h"
 #include "platform/linux/DisplayText.h"
 #include "platform/linux/LinuxDirectories.h"
 
@@ -25,18 +26,13 @@ struct StandardFolder {
 };
 
 constexpr std::array standardFolders{
-    StandardFolder{QStandardPaths::DesktopLocation, QT_TRANSLATE_NOOP("Tavrin", "Desktop"),
-                   "user-desktop"},
-    StandardFolder{QStandardPaths::DocumentsLocation, QT_TRANSLATE_NOOP("Tavrin", "Documents"),
+    StandardFolder{QStandardPaths::DesktopLocation, translatable("Desktop"), "user-desktop"},
+    StandardFolder{QStandardPaths::DocumentsLocation, translatable("Documents"),
                    "folder-documents"},
-    StandardFolder{QStandardPaths::DownloadLocation, QT_TRANSLATE_NOOP("Tavrin", "Downloads"),
-                   "folder-download"},
-    StandardFolder{QStandardPaths::MusicLocation, QT_TRANSLATE_NOOP("Tavrin", "Music"),
-                   "folder-music"},
-    StandardFolder{QStandardPaths::PicturesLocation, QT_TRANSLATE_NOOP("Tavrin", "Pictures"),
-                   "folder-pictures"},
-    StandardFolder{QStandardPaths::MoviesLocation, QT_TRANSLATE_NOOP("Tavrin", "Videos"),
-                   "folder-videos"},
+    StandardFolder{QStandardPaths::DownloadLocation, translatable("Downloads"), "folder-download"},
+    StandardFolder{QStandardPaths::MusicLocation, translatable("Music"), "folder-music"},
+    StandardFolder{QStandardPaths::PicturesLocation, translatable("Pictures"), "folder-pictures"},
+    StandardFolder{QStandardPaths::MoviesLocation, translatable("Videos"), "folder-videos"},
 };
 
 /// Absolute; "" when the user has none.

@@ -23,7 +23,7 @@ namespace tavrin {
 namespace {
 
 QString quoted(const std::string& name) {
-  return QStringLiteral("\u201c%1\u201d").arg(displayName(name));
+  return QCoreApplication::translate("Tavrin", "\u201c%1\u201d").arg(displayName(name));
 }
 
 bool isFolder(const FileURL& url) {

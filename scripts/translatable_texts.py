@@ -8,7 +8,7 @@ from xml.etree import ElementTree
 
 from po_file import Message, read
 
-KEYWORDS = ("localizedString:1", "translate:2", "translatable:1", "translatedText:1",
+KEYWORDS = ("localizedString:1", "localized:1", "translate:2", "translatable:1", "translatedText:1",
             "translatedCount:1,2")
 HEADER = Message("", translations=["".join((
     "Project-Id-Version: tavrin\n",

@@ -1,6 +1,10 @@
 #pragma once
 
 #include <algorithm>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
 
 #include "tests/settings/FakeSettingsView.h"
 #include "tests/settings/SettingsFixture.h"
@@ -9,6 +13,14 @@ namespace tavrin {
 
 using Row = PropertyList::Dictionary;
 using Rows = PropertyList::Array;
+
+inline constexpr std::size_t noRow = static_cast<std::size_t>(-1);
+
+inline constexpr RuleList allLists[] = {RuleList::CreateNewFile, RuleList::CopyFilesTo,
+                                        RuleList::CommonPath, RuleList::CustomIcon,
+                                        RuleList::Others};
+inline constexpr RuleList shrinkingLists[] = {RuleList::CreateNewFile, RuleList::CopyFilesTo,
+                                              RuleList::CommonPath, RuleList::CustomIcon};
 
 /// The rule lists of a window that has come up.
 class EditingFixture : public SettingsFixture {
@@ -44,6 +56,32 @@ class EditingFixture : public SettingsFixture {
     return userDefaults.synchronizeCount(FakeUserDefaultsProvider::standardDomain);
   }
 
+  void select(RuleList list, std::optional<std::size_t> row) {
+    view.selected[list] = row;
+    view.removeButtons[list] = row.has_value();
+  }
+
+  std::optional<std::string> templateText(const std::string& name) const {
+    return fileManager.textOfFile(templates + "/" + name);
+  }
+
+  /// What both stores hold of a list when its table is shown anew.
+  struct Moment {
+    PropertyList stored, published;
+    int synchronized;
+  };
+  Moment momentOfReload(RuleList list, const std::function<void()>& edit) {
+    std::optional<Moment> moment;
+    view.whileReloading = [&] {
+      EXPECT_FALSE(moment);
+      moment = {stored(keyOf(list)), published(keyOf(list)), standardSynchronizations()};
+    };
+    edit();
+    view.whileReloading = nullptr;
+    EXPECT_TRUE(moment);
+    return *moment;
+  }
+
   const std::string templates = "/containers/" + bundle.group + "/Templates/CreateNewFile";
   FakeSettingsView view;
 };
@@ -55,6 +93,21 @@ inline Rows rowsNamed(const std::vector<const char*>& names) {
     rows.emplace_back(Row{{"displayName", name}, {"enable", 1}, {"future", Rows{name, 1}}});
   }
   return rows;
+}
+
+/// A record with one field set.
+inline Row with(const PropertyList& row, const char* field, const PropertyList& value) {
+  Row changed = *row.dictionaryIfDictionary();
+  changed.insert_or_assign(field, value);
+  return changed;
+}
+
+inline Row command(const char* action, const PropertyList& enable) {
+  return {{"Action", action}, {"displayName", action}, {"enable", enable}, {"future", 1.5}};
+}
+
+inline Row templateRow(const char* name, const char* extension) {
+  return {{"displayName", name}, {"extension", extension}, {"enable", "1"}};
 }
 
 /// The titles of rows.

@@ -208,7 +208,10 @@ TEST_F(EditingSequences, LoseNoRowAndNoUnknownFieldAndKeepBothStoresAgreed) {
     SCOPED_TRACE("step " + std::to_string(step));
     const RuleList list = ruleLists.at(below(ruleLists.size())).list;
     edit(list);
-    for (const RuleListKeys& keys : ruleLists) expectAgreement(keys.list);
+    expectAgreement(list);
+    if (step % 20 == 0) {
+      for (const RuleListKeys& keys : ruleLists) expectAgreement(keys.list);
+    }
     largest = std::max(largest, modelOf(list).ids.size());
     if (modelOf(list).ids.size() > 40) clear(list);
   }

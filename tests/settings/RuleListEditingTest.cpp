@@ -9,55 +9,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr std::size_t noRow = static_cast<std::size_t>(-1);
-
-constexpr RuleList allLists[] = {RuleList::CreateNewFile, RuleList::CopyFilesTo,
-                                 RuleList::CommonPath, RuleList::CustomIcon, RuleList::Others};
-constexpr RuleList shrinkingLists[] = {RuleList::CreateNewFile, RuleList::CopyFilesTo,
-                                       RuleList::CommonPath, RuleList::CustomIcon};
-
-Row with(const PropertyList& row, const char* field, const PropertyList& value) {
-  Row changed = *row.dictionaryIfDictionary();
-  changed.insert_or_assign(field, value);
-  return changed;
-}
-
-Row command(const char* action, const PropertyList& enable) {
-  return {{"Action", action}, {"displayName", action}, {"enable", enable}, {"future", 1.5}};
-}
-
-Row templateRow(const char* name, const char* extension) {
-  return {{"displayName", name}, {"extension", extension}, {"enable", "1"}};
-}
-
-class RuleEditing : public EditingFixture {
- protected:
-  void select(RuleList list, std::optional<std::size_t> row) {
-    view.selected[list] = row;
-    view.removeButtons[list] = row.has_value();
-  }
-
-  std::optional<std::string> templateText(const std::string& name) const {
-    return fileManager.textOfFile(templates + "/" + name);
-  }
-
-  /// What both stores hold of a list when its table is shown anew.
-  struct Moment {
-    PropertyList stored, published;
-    int synchronized;
-  };
-  Moment momentOfReload(RuleList list, const std::function<void()>& edit) {
-    std::optional<Moment> moment;
-    view.whileReloading = [&] {
-      EXPECT_FALSE(moment);
-      moment = {stored(keyOf(list)), published(keyOf(list)), standardSynchronizations()};
-    };
-    edit();
-    view.whileReloading = nullptr;
-    EXPECT_TRUE(moment);
-    return *moment;
-  }
-};
+using RuleEditing = EditingFixture;
 
 // Removing
 
@@ -67,17 +19,21 @@ TEST_F(RuleEditing, RemovesTheSelectedRowAndSelectsTheOneBefore) {
     Rows rows = rowsNamed({"a", "b", "c", "d"});
     show(list, rows);
     select(list, 3);
+    const int synchronized = standardSynchronizations();
     rules().removeRule(list);
     rows.pop_back();
     expectRows(list, rows);
     EXPECT_EQ(view.selectedRow(list), 2U);
     EXPECT_EQ(view.events, std::vector{std::string("reload ") + keyOf(list)});
+    EXPECT_EQ(standardSynchronizations(), synchronized + 1);
 
-    select(list, 0);
-    rules().removeRule(list);
-    rows.erase(rows.begin());
-    expectRows(list, rows);
-    EXPECT_EQ(view.selectedRow(list), 0U);
+    for (const std::size_t row : {1U, 0U}) {
+      select(list, row);
+      rules().removeRule(list);
+      rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(row));
+      expectRows(list, rows);
+      EXPECT_EQ(view.selectedRow(list), 0U);
+    }
     EXPECT_TRUE(view.removeButtons[list]);
   }
 }
@@ -127,6 +83,10 @@ TEST_F(RuleEditing, RemovesTheTemplateOfARow) {
   fileManager.addFile(templates + "/Other.txt", "other");
   show(RuleList::CreateNewFile, {templateRow("Other", "txt"), templateRow("Text", "txt"),
                                  templateRow("Text", "txt"), templateRow("Format", "")});
+  show(RuleList::CommonPath, {templateRow("Text", "txt")});
+  select(RuleList::CommonPath, 0);
+  rules().removeRule(RuleList::CommonPath);
+  EXPECT_EQ(templateText("Text.txt"), "text");
   select(RuleList::CreateNewFile, 1);
   rules().removeRule(RuleList::CreateNewFile);
   EXPECT_EQ(templateText("Text.txt"), std::nullopt);
@@ -291,6 +251,9 @@ TEST_F(RuleEditing, OffersOnlyTheSwitchesThatAListHas) {
 TEST_F(RuleEditing, NeverSwitchesARowWithoutAFolderOn) {
   const Row undefined{{"realPath", "Undefined"}, {"enable", 1}};
   show(RuleList::CopyFilesTo, {undefined, with(undefined, "realPath", "~/Undefined")});
+  show(RuleList::CustomIcon, {undefined});
+  rules().switchRow(RuleList::CustomIcon, 0, record_field::enable, true);
+  expectRows(RuleList::CustomIcon, {undefined});
   rules().switchRow(RuleList::CopyFilesTo, 0, record_field::enable, true);
   rules().switchRow(RuleList::CopyFilesTo, 1, record_field::enable, true);
   expectRows(RuleList::CopyFilesTo,
@@ -307,193 +270,6 @@ TEST_F(RuleEditing, LetsASwitchedServiceLeaveTheWorkingListAlone) {
   EXPECT_THAT(view.events, IsEmpty());
   controller->setView(&view);
   EXPECT_EQ(PropertyList(rules().rows(RuleList::Others)), PropertyList(rows));
-}
-
-// Titles
-
-struct TitleCase {
-  const char* identifier;
-  RuleList list;
-  const char* ownTitleField;
-};
-
-constexpr TitleCase titleCases[] = {{"NewFileDisplayName", RuleList::CreateNewFile, "modified"},
-                                    {"newFileName", RuleList::CopyFilesTo, nullptr},
-                                    {"Note", RuleList::CopyFilesTo, nullptr},
-                                    {"commonPathDisplayName", RuleList::CommonPath, nullptr},
-                                    {"CustomIconName", RuleList::CustomIcon, "modified"},
-                                    {"OthersDisplayName", RuleList::Others, "nameModified"}};
-
-TEST_F(RuleEditing, GivesRowsWhateverTitleIsTyped) {
-  for (const TitleCase& title : titleCases) {
-    SCOPED_TRACE(title.identifier);
-    for (const std::string& text :
-         {std::string(), std::string("a"), std::string("ü\xFF/\n"), std::string(5000, 'x')}) {
-      Rows rows = rowsNamed({"a", "b"});
-      rows.emplace_back(7);
-      show(title.list, rows);
-      const int synchronized = standardSynchronizations();
-      EXPECT_TRUE(rules().controlTextShouldEndEditing(title.identifier, 1, text));
-      EXPECT_TRUE(rules().controlTextShouldEndEditing(title.identifier, 2, text));
-      EXPECT_EQ(standardSynchronizations(), synchronized + 2);
-      rows[2] = Row{};
-      for (PropertyList* row : {&rows[1], &rows[2]}) {
-        *row = with(*row, "displayName", text);
-        if (title.ownTitleField != nullptr) *row = with(*row, title.ownTitleField, "1");
-      }
-      expectRows(title.list, rows);
-    }
-  }
-}
-
-TEST_F(RuleEditing, PassesOverRowsAndCellsThatAreNotThere) {
-  for (const RuleList list : allLists) show(list, rowsNamed({"a"}));
-  for (const TitleCase& title : titleCases) {
-    EXPECT_TRUE(rules().controlTextShouldEndEditing(title.identifier, 1, "x"));
-    EXPECT_TRUE(rules().controlTextShouldEndEditing(title.identifier, noRow, "x"));
-  }
-  for (const char* identifier : {"", "DisplayName", "note", "Extension"}) {
-    EXPECT_TRUE(rules().controlTextShouldEndEditing(identifier, 0, "x"));
-  }
-  for (const RuleList list : allLists) {
-    rules().switchRow(list, 1, record_field::enable, false);
-    rules().switchRow(list, noRow, record_field::enable, false);
-    rules().acceptDrop(list, 1, 0);
-    rules().acceptDrop(list, noRow, 0);
-    rules().acceptDrop(list, 0, 2);
-    rules().acceptDrop(list, 0, noRow);
-    EXPECT_EQ(stored(keyOf(list)), PropertyList(rowsNamed({"a"})));
-  }
-  EXPECT_THAT(suite->keys(), IsEmpty());
-  EXPECT_THAT(view.events, IsEmpty());
-}
-
-TEST_F(RuleEditing, MovesTheTemplateWithItsTitle) {
-  fileManager.addFile(templates + "/Text.txt", "text");
-  show(RuleList::CreateNewFile, {templateRow("Text", "txt")});
-  std::optional<std::string> movedAlready;
-  view.whileReloading = [&] { movedAlready = templateText("Note.txt"); };
-  rules().controlTextShouldEndEditing("NewFileDisplayName", 0, "Note");
-  EXPECT_EQ(movedAlready, std::nullopt);
-  EXPECT_EQ(templateText("Note.txt"), "text");
-  EXPECT_EQ(templateText("Text.txt"), std::nullopt);
-  rules().controlTextShouldEndEditing("NewFileDisplayName", 0, "");
-  EXPECT_EQ(templateText(".txt"), "text");
-  rules().controlTextShouldEndEditing("NewFileDisplayName", 0, "");
-  EXPECT_THAT(log.lines(), IsEmpty());
-}
-
-TEST_F(RuleEditing, ReplacesNoTemplateByANewTitle) {
-  fileManager.addFile(templates + "/Text.txt", "text");
-  fileManager.addFile(templates + "/Note.txt", "note");
-  show(RuleList::CreateNewFile, {templateRow("Text", "txt"), templateRow("Gone", "txt")});
-  rules().controlTextShouldEndEditing("NewFileDisplayName", 0, "Note");
-  rules().controlTextShouldEndEditing("NewFileDisplayName", 1, "Note");
-  EXPECT_THAT(namesOf(rules().rows(RuleList::CreateNewFile)), ElementsAre("Note", "Note"));
-  EXPECT_EQ(templateText("Text.txt"), "text");
-  EXPECT_EQ(templateText("Note.txt"), "note");
-  EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("Note.txt"), HasSubstr("Gone.txt")));
-}
-
-// Order
-
-TEST_F(RuleEditing, MovesADraggedRowWhereTheDropRowSays) {
-  struct Drop {
-    std::size_t source, row;
-    std::vector<std::string> names;
-  };
-  const Drop drops[] = {{0, 3, {"b", "c", "a"}}, {0, 2, {"b", "c", "a"}}, {0, 1, {"b", "a", "c"}},
-                        {0, 0, {"a", "b", "c"}}, {1, 1, {"a", "b", "c"}}, {1, 2, {"a", "c", "b"}},
-                        {2, 0, {"c", "a", "b"}}, {2, 1, {"a", "c", "b"}}, {2, 3, {"a", "b", "c"}}};
-  for (const RuleList list : shrinkingLists) {
-    for (const Drop& drop : drops) {
-      SCOPED_TRACE(std::to_string(drop.source) + " to " + std::to_string(drop.row));
-      const Rows before = rowsNamed({"a", "b", "c"});
-      show(list, before);
-      suite->removeObjectForKey(keyOf(list));
-      select(list, drop.source);
-      const int synchronized = standardSynchronizations();
-      const auto moment =
-          momentOfReload(list, [&] { rules().acceptDrop(list, drop.source, drop.row); });
-      EXPECT_EQ(moment.published, published(keyOf(list)));
-      EXPECT_EQ(namesOf(rules().rows(list)), drop.names);
-      expectRows(list, rules().rows(list));
-      EXPECT_EQ(rules().rows(list).back().find("future") != nullptr, true);
-      EXPECT_EQ(view.selectedRow(list), std::nullopt);
-      EXPECT_EQ(standardSynchronizations(), synchronized);
-    }
-  }
-}
-
-TEST_F(RuleEditing, CountsTheIconsWhenACommandIsDragged) {
-  struct Drop {
-    std::vector<const char*> icons;
-    std::size_t source, row;
-    std::vector<std::string> names;
-  };
-  const Drop drops[] = {{{"i", "j"}, 0, 2, {"b", "a", "c"}},
-                        {{"i", "j"}, 0, 1, {"b", "a", "c"}},
-                        {{"i", "j"}, 0, 3, {"b", "c", "a"}},
-                        {{}, 2, 0, {"c", "a", "b"}},
-                        {{}, 0, 3, {"b", "c", "a"}},
-                        {{"i", "j", "k"}, 0, 3, {"b", "c", "a"}},
-                        {{"i", "j", "k", "l"}, 1, 3, {"a", "c", "b"}}};
-  for (const Drop& drop : drops) {
-    show(RuleList::CustomIcon, rowsNamed(drop.icons));
-    show(RuleList::Others, rowsNamed({"a", "b", "c"}));
-    rules().acceptDrop(RuleList::Others, drop.source, drop.row);
-    EXPECT_EQ(namesOf(rules().rows(RuleList::Others)), drop.names);
-  }
-}
-
-TEST_F(RuleEditing, MovesNoService) {
-  const Rows rows{command("Cut", 1), command("Translate by Google", 1), command("Paste", 1)};
-  show(RuleList::Others, rows);
-  select(RuleList::Others, 1);
-  rules().acceptDrop(RuleList::Others, 1, 0);
-  EXPECT_EQ(stored("arrOfOthers"), PropertyList(rows));
-  EXPECT_EQ(published("arrOfOthers"), PropertyList("(absent)"));
-  EXPECT_EQ(view.selectedRow(RuleList::Others), 1U);
-  EXPECT_THAT(view.events, IsEmpty());
-  rules().acceptDrop(RuleList::Others, 2, 1);
-  expectRows(RuleList::Others, {rows[0], rows[2], rows[1]});
-}
-
-// Others' changes
-
-TEST_F(RuleEditing, ShowsWhatAnotherProgramStoredAndEditsThat) {
-  for (const RuleList list : allLists) {
-    SCOPED_TRACE(keyOf(list));
-    show(list, rowsNamed({"a"}));
-    ASSERT_EQ(namesOf(rules().rows(list)), std::vector<std::string>{"a"});
-    const Rows foreign = rowsNamed({"x", "y"});
-    userDefaults.changeFromElsewhere("", keyOf(list), foreign);
-    userDefaults.processChanges();
-    EXPECT_EQ(view.events, std::vector{std::string("reload ") + keyOf(list)});
-    rules().acceptDrop(list, 1, 0);
-    expectRows(list, {foreign[1], foreign[0]});
-
-    view.events.clear();
-    userDefaults.processChanges();
-    EXPECT_THAT(view.events, IsEmpty());
-    userDefaults.changeFromElsewhere("", keyOf(list), PropertyList("no array"));
-    userDefaults.processChanges();
-    EXPECT_THAT(rules().rows(list), IsEmpty());
-    EXPECT_EQ(view.events.size(), 1U);
-  }
-}
-
-TEST_F(RuleEditing, FollowsNobodyWithoutAView) {
-  show(RuleList::CommonPath, rowsNamed({"a"}));
-  controller->setView(nullptr);
-  userDefaults.changeFromElsewhere("", "arrOfCommonPath", PropertyList(rowsNamed({"x"})));
-  userDefaults.processChanges();
-  EXPECT_THAT(view.events, IsEmpty());
-  rules().removeRule(RuleList::CommonPath);
-  EXPECT_THAT(suite->keys(), IsEmpty());
-  rules().controlTextShouldEndEditing("commonPathDisplayName", 0, "y");
-  EXPECT_THAT(namesOf(rules().rows(RuleList::CommonPath)), ElementsAre("y"));
-  EXPECT_THAT(view.events, IsEmpty());
 }
 
 }  // namespace

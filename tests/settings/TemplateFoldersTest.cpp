@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "foundation/PathString.h"
+#include "settings/TemplateFiles.h"
 #include "settings/TemplateFolders.h"
 #include "tests/settings/SettingsFixture.h"
 
@@ -141,6 +142,17 @@ TEST_F(PreparingTemplateFolders, NeverLeavesItsFolderForATitle) {
   EXPECT_THAT(namesIn("Templates/CreateNewFile"), IsEmpty());
   EXPECT_THAT(fileManager.allPaths(), Not(Contains(container + "/Templates/up.txt")));
   EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(PreparingTemplateFolders, TellsWhatCanBeTheNameOfAFile) {
+  for (const std::string_view name : {" ", "...", ".txt", "a.", "a\n", "\xFF"}) {
+    EXPECT_TRUE(isNameOfOneFile(name)) << name;
+  }
+  for (const std::string_view name :
+       {std::string_view(), std::string_view("."), std::string_view(".."), std::string_view("/"),
+        std::string_view("a/b"), std::string_view("a\0b", 3), std::string_view("\0", 1)}) {
+    EXPECT_FALSE(isNameOfOneFile(name)) << name;
+  }
 }
 
 TEST_F(PreparingTemplateFolders, PassesOverRowsThatAreNoRecords) {

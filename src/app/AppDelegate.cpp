@@ -89,8 +89,9 @@ void AppDelegate::applicationWillTerminate() {
 }
 
 void AppDelegate::delayedAfterLaunch() {
-  if (!isPreferencesWindowVisible() && !opened_) openPreferences();
-  loadSettingsController();
+  if (prefswindow_ && prefswindow_->isVisible()) return;
+  if (!opened_) return openPreferences();
+  if (!settingsController_) settingsController().viewDidLoad();
 }
 
 void AppDelegate::receiveSleepNotification() {
@@ -109,26 +110,30 @@ void AppDelegate::openPreferences() {
 
 PreferencesWindow& AppDelegate::preferencesWindow() {
   if (prefswindow_) return *prefswindow_;
-  loadSettingsController();
-  prefswindow_ = makePreferencesWindow_();
+  prefswindow_ = makePreferencesWindow_(*standardUserDefaults_, settingsController());
   prefswindow_->setMovableByWindowBackground(true);
   prefswindow_->setAuthorizeRootButtonState(isRootAuthorized());
   prefswindow_->setAuthorizeRootButtonAction([this] { authorizeRootButtonClick(); });
+  prefswindow_->setClosedAction([this] { preferencesWindowClosed(); });
   darkModeChanged();
   // Last, for whatever comes in while the alert is up finds the window made.
-  settingsController_->removeFromLoginItemsIfListed();
+  settingsController().removeFromLoginItemsIfListed();
   return *prefswindow_;
 }
 
-bool AppDelegate::isPreferencesWindowVisible() const {
-  return prefswindow_ && prefswindow_->isVisible();
+void AppDelegate::preferencesWindowClosed() {
+  // The window is still at work; an idle host does without its memory.
+  platform_.mainLoop.performAfterDelay(0, [this] {
+    if (prefswindow_ && !prefswindow_->isVisible()) prefswindow_.reset();
+  });
 }
 
-void AppDelegate::loadSettingsController() {
-  if (settingsController_) return;
-  settingsController_ = std::make_unique<SettingsController>(platform_, *standardUserDefaults_,
-                                                             workingLists_, defaultSettings_);
-  settingsController_->viewDidLoad();
+SettingsController& AppDelegate::settingsController() {
+  if (!settingsController_) {
+    settingsController_ = std::make_unique<SettingsController>(platform_, *standardUserDefaults_,
+                                                               workingLists_, defaultSettings_);
+  }
+  return *settingsController_;
 }
 
 bool AppDelegate::isRootAuthorized() const {

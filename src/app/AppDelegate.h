@@ -100,8 +100,8 @@ class AppDelegate final : public ApplicationDelegate {
   std::optional<ActionRequest> readRequest(const std::string& fileName) const;
 
   PreferencesWindow& preferencesWindow();
-  bool isPreferencesWindowVisible() const;
-  void loadSettingsController();
+  void preferencesWindowClosed();
+  SettingsController& settingsController();
   bool isRootAuthorized() const;
   std::unique_ptr<StatusItem> makeStatusItem();
 
@@ -175,8 +175,8 @@ class AppDelegate final : public ApplicationDelegate {
   std::unique_ptr<AppSandboxFileAccess> fileAccess_;
   WorkingLists workingLists_;
 
-  std::unique_ptr<PreferencesWindow> prefswindow_;
   std::unique_ptr<SettingsController> settingsController_;
+  std::unique_ptr<PreferencesWindow> prefswindow_;
   std::unique_ptr<StatusItem> statusItem_;
 
   /// The action that log lines name; nothing between requests.

@@ -95,10 +95,12 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
   linuxPlatform.setSettingsLost(seed);
   linuxPlatform.clearLeftoversSoon();
 
-  AppDelegate delegate(platform, defaultSettings, [&platform] {
-    ensureApplicationIcon();
-    return std::make_unique<QtPreferencesWindow>(platform.bundle);
-  });
+  AppDelegate delegate(
+      platform, defaultSettings,
+      [&platform](UserDefaults& standardUserDefaults, SettingsController& settings) {
+        ensureApplicationIcon();
+        return std::make_unique<QtPreferencesWindow>(platform, standardUserDefaults, settings);
+      });
   platform.application.setDelegate(&delegate);
   return platform.application.run();
 }

@@ -3,12 +3,15 @@
 #include <functional>
 #include <memory>
 
+#include "platform/UserDefaults.h"
 #include "platform/Window.h"
 
 namespace tavrin {
 
+class SettingsController;
+
 /// The window in which the user edits the settings, as the application sees it. Made when it is
-/// first needed, on the main thread; all of it is used there.
+/// needed and gone once it is closed; used on the main thread.
 class PreferencesWindow : public Window {
  public:
   /// Whether a drag that begins on the window's background moves the window.
@@ -25,9 +28,14 @@ class PreferencesWindow : public Window {
   /// `action` is called after the user has changed the state of that check box; an empty one is not
   /// called.
   virtual void setAuthorizeRootButtonAction(std::function<void()> action) = 0;
+
+  /// `action` is called when the user has closed the window; it may schedule the end of this
+  /// object, but not end it.
+  virtual void setClosedAction(std::function<void()> action) = 0;
 };
 
-/// Makes the window.
-using PreferencesWindowFactory = std::function<std::unique_ptr<PreferencesWindow>()>;
+/// Makes the window, which edits the settings through the two; both outlive it.
+using PreferencesWindowFactory = std::function<std::unique_ptr<PreferencesWindow>(
+    UserDefaults& standardUserDefaults, SettingsController& settings)>;
 
 }  // namespace tavrin

@@ -3,62 +3,67 @@
 #include <ui_PreferencesWindow.h>
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QIcon>
 #include <QMouseEvent>
+#include <QScreen>
 #include <QWindow>
 #include <string>
 #include <utility>
 
+#include "settings/window/SettingsViewController.h"
 #include "settings/window/WindowPalette.h"
 
 namespace tavrin {
 
 namespace {
 
-constexpr int largeIconSize = 96;
+constexpr int headIconSize = 36;
 const QColor accentColour(0x2f, 0x83, 0xe6);
 
-/// Texts beside the main ones: lighter on light backgrounds, darker on dark ones.
-void setSecondaryColour(QWidget& label, const QPalette& palette) {
-  QPalette own = palette;
-  QColor colour = palette.color(QPalette::WindowText);
-  colour.setAlphaF(0.68F);
-  own.setColor(QPalette::WindowText, colour);
-  label.setPalette(own);
+/// Where the window stood: "x y width height" in points. The key is the one that windows of this
+/// name have everywhere.
+constexpr const char* frameKey = "NSWindow Frame Prefswindow";
+
+/// Of the window's title bar, so much must be on a screen to be grasped.
+constexpr int leastVisible = 80;
+
+bool isOnScreen(const QRect& frame) {
+  for (const QScreen* screen : QGuiApplication::screens()) {
+    const QRect seen = screen->availableGeometry().intersected(frame);
+    if (seen.width() >= leastVisible && seen.height() >= leastVisible &&
+        frame.top() >= screen->availableGeometry().top()) {
+      return true;
+    }
+  }
+  return false;
 }
 
 }  // namespace
 
-QtPreferencesWindow::QtPreferencesWindow(const Bundle& bundle)
-    : ui_(std::make_unique<Ui::PreferencesWindow>()) {
+QtPreferencesWindow::QtPreferencesWindow(Platform& platform, UserDefaults& standardUserDefaults,
+                                         SettingsController& settings)
+    : standardUserDefaults_(standardUserDefaults), ui_(std::make_unique<Ui::PreferencesWindow>()) {
   ui_->setupUi(this);
-  fillTexts(bundle);
-  ui_->iconLabel->setPixmap(QApplication::windowIcon().pixmap(largeIconSize, largeIconSize));
+  fillTexts(platform.bundle);
   setBackgroundColor(1.0, 1.0, 1.0);
+  restoreFrame();
   QObject::connect(ui_->authorizeRootButton, &QCheckBox::clicked, this, [this] {
     if (authorizeRootAction_) authorizeRootAction_();
   });
+  controller_ =
+      std::make_unique<SettingsViewController>(*ui_, platform, standardUserDefaults, settings);
+  controller_->awakeFromNib();
 }
 
 QtPreferencesWindow::~QtPreferencesWindow() = default;
 
 void QtPreferencesWindow::fillTexts(const Bundle& bundle) {
   const std::string name = bundle.objectForInfoDictionaryKey("CFBundleDisplayName").value_or("");
-  const std::string version =
-      bundle.objectForInfoDictionaryKey("CFBundleShortVersionString").value_or("");
   setWindowTitle(QString::fromStdString(name));
   ui_->nameLabel->setText(QString::fromStdString(name));
-  ui_->versionLabel->setText(
-      QApplication::translate("Tavrin", "Version %1").arg(QString::fromStdString(version)));
-  ui_->purposeLabel->setText(QApplication::translate(
-      "Tavrin",
-      "Adds your own commands to the file manager's context menu: new files from templates, "
-      "favourite folders and applications, cut and paste, icons and more."));
-  ui_->authorizeRootButton->setText(QApplication::translate("Tavrin", "Authorize the whole disk"));
-  ui_->authorizeRootNote->setText(QApplication::translate(
-      "Tavrin",
-      "Commands then work in every folder without asking. Switching it off forgets all folders "
-      "authorized so far."));
+  ui_->iconLabel->setPixmap(
+      QApplication::windowIcon().pixmap(QSize(headIconSize, headIconSize), devicePixelRatioF()));
   ui_->authorizeRootButton->setAccessibleDescription(ui_->authorizeRootNote->text());
 }
 
@@ -72,19 +77,16 @@ void QtPreferencesWindow::makeKeyAndOrderFront() {
 void QtPreferencesWindow::setBackgroundColor(double red, double green, double blue) {
   const QColor background = QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
                                              static_cast<float>(blue));
-  const QPalette palette = paletteForBackground(background, accentColour);
-  setPalette(palette);
-  // The box stands out from the background, which the style's own frame hardly does.
-  QPalette boxPalette = palette;
-  boxPalette.setColor(QPalette::Base, palette.color(QPalette::Midlight));
-  ui_->authorizeRootButton->setPalette(boxPalette);
-  setSecondaryColour(*ui_->versionLabel, palette);
-  setSecondaryColour(*ui_->authorizeRootNote, palette);
-  QPalette dividerPalette = palette;
-  QColor line = palette.color(QPalette::WindowText);
-  line.setAlphaF(0.18F);
-  dividerPalette.setColor(QPalette::WindowText, line);
-  ui_->divider->setPalette(dividerPalette);
+  const WindowPalette palette(background, accentColour);
+  setPalette(palette.controls());
+  ui_->sidebar->setPalette(palette.sidebar());
+  ui_->divider->setPalette(palette.line());
+  for (QLabel* label : {ui_->Version, ui_->authorizeRootNote, ui_->createNewFilePageIntro,
+                        ui_->copyFilesToPageIntro, ui_->commonPathPageIntro,
+                        ui_->customIconPageIntro, ui_->otherOptionPageIntro, ui_->learnPageIntro,
+                        ui_->moreAppPageIntro, ui_->contactUsPageIntro}) {
+    label->setPalette(palette.secondary());
+  }
 }
 
 void QtPreferencesWindow::setAuthorizeRootButtonState(bool on) {
@@ -99,12 +101,44 @@ void QtPreferencesWindow::setAuthorizeRootButtonAction(std::function<void()> act
   authorizeRootAction_ = std::move(action);
 }
 
+void QtPreferencesWindow::setClosedAction(std::function<void()> action) {
+  closedAction_ = std::move(action);
+}
+
 void QtPreferencesWindow::mousePressEvent(QMouseEvent* event) {
   // Only clicks that no control has taken arrive here.
   if (isMovableByBackground_ && event->button() == Qt::LeftButton && windowHandle() != nullptr) {
     windowHandle()->startSystemMove();
   }
   QMainWindow::mousePressEvent(event);
+}
+
+void QtPreferencesWindow::closeEvent(QCloseEvent* event) {
+  saveFrame();
+  QMainWindow::closeEvent(event);
+  if (event->isAccepted() && closedAction_) closedAction_();
+}
+
+void QtPreferencesWindow::saveFrame() {
+  const QPoint place = frameGeometry().topLeft();
+  const QSize size = this->size();
+  const QString frame = QStringLiteral("%1 %2 %3 %4")
+                            .arg(place.x())
+                            .arg(place.y())
+                            .arg(size.width())
+                            .arg(size.height());
+  standardUserDefaults_.setObject(frame.toStdString(), frameKey);
+}
+
+void QtPreferencesWindow::restoreFrame() {
+  const auto stored = standardUserDefaults_.stringForKey(frameKey);
+  const QStringList numbers =
+      QString::fromStdString(stored.value_or("")).split(u' ', Qt::SkipEmptyParts);
+  if (numbers.size() != 4) return;
+  const QRect frame(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
+  if (!isOnScreen(frame)) return;
+  resize(frame.size());
+  move(frame.topLeft());
 }
 
 }  // namespace tavrin

@@ -4,8 +4,9 @@
 #include <functional>
 #include <memory>
 
-#include "platform/Bundle.h"
+#include "platform/Platform.h"
 #include "settings/PreferencesWindow.h"
+#include "settings/SettingsController.h"
 
 namespace Ui {
 class PreferencesWindow;
@@ -13,11 +14,15 @@ class PreferencesWindow;
 
 namespace tavrin {
 
-/// The preferences window, laid out by PreferencesWindow.ui. Closing hides it; the program goes on.
+class SettingsViewController;
+
+/// The preferences window, laid out by PreferencesWindow.ui.
 class QtPreferencesWindow final : public QMainWindow, public PreferencesWindow {
  public:
-  /// Takes the program's name, version, texts and images from `bundle`.
-  explicit QtPreferencesWindow(const Bundle& bundle);
+  /// All outlive this object. The controls are connected and the settings published when this
+  /// returns.
+  QtPreferencesWindow(Platform& platform, UserDefaults& standardUserDefaults,
+                      SettingsController& settings);
   ~QtPreferencesWindow() override;
   QtPreferencesWindow(const QtPreferencesWindow&) = delete;
   QtPreferencesWindow& operator=(const QtPreferencesWindow&) = delete;
@@ -30,15 +35,22 @@ class QtPreferencesWindow final : public QMainWindow, public PreferencesWindow {
   void setAuthorizeRootButtonState(bool on) override;
   bool authorizeRootButtonState() const override;
   void setAuthorizeRootButtonAction(std::function<void()> action) override;
+  void setClosedAction(std::function<void()> action) override;
 
  protected:
   void mousePressEvent(QMouseEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
 
  private:
   void fillTexts(const Bundle& bundle);
+  void restoreFrame();
+  void saveFrame();
 
+  UserDefaults& standardUserDefaults_;
   std::unique_ptr<Ui::PreferencesWindow> ui_;
+  std::unique_ptr<SettingsViewController> controller_;
   std::function<void()> authorizeRootAction_;
+  std::function<void()> closedAction_;
   bool isMovableByBackground_ = false;
 };
 

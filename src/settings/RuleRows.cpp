@@ -1,0 +1,237 @@
+#include "settings/RuleRows.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "foundation/PathHelpers.h"
+#include "foundation/PathString.h"
+
+namespace tavrin {
+
+namespace {
+
+using Kind = RuleColumn::Kind;
+
+constexpr std::array createNewFileColumns{
+    RuleColumn{"Enable", "Enabled", Kind::Switch},
+    RuleColumn{"NewFileIcon", "Icon", Kind::Icon},
+    RuleColumn{"NewFileDisplayName", "Name", Kind::Text},
+    RuleColumn{"Extension", "Extension", Kind::Text},
+    RuleColumn{"EnableMainMenu", "In the main menu", Kind::Switch},
+};
+constexpr std::array copyFilesToColumns{
+    RuleColumn{"Enable", "Enabled", Kind::Switch},
+    RuleColumn{"SendFileIcon", "Icon", Kind::Icon},
+    RuleColumn{"DisplayName", "Name", Kind::Text},
+    RuleColumn{"realPath", "Folder", Kind::Text},
+};
+constexpr std::array commonPathColumns{
+    RuleColumn{"commonPathIcon", "Icon", Kind::Icon},
+    RuleColumn{"commonPathDisplayName", "Name", Kind::Text},
+    RuleColumn{"realPath", "Folder", Kind::Text},
+};
+constexpr std::array customIconColumns{
+    RuleColumn{"Enable", "Enabled", Kind::Switch},
+    RuleColumn{"Icon", "Icon", Kind::Icon},
+    RuleColumn{"CustomIconName", "Name", Kind::Text},
+    RuleColumn{"Size", "Size", Kind::Text, true},
+};
+constexpr std::array othersColumns{
+    RuleColumn{"OthersEnable", "Enabled", Kind::Switch},
+    RuleColumn{"OthersIcon", "Icon", Kind::Icon},
+    RuleColumn{"OthersDisplayName", "Name", Kind::Text},
+    RuleColumn{"Option", "Option", Kind::Option},
+};
+
+constexpr int iconSide = 28;
+constexpr int commandIconSide = 20;
+
+/// The command whose image stands for every command that has its name in its own.
+constexpr const char* sharedImageName = "Snapvane";
+
+RuleCell textCell(std::string text) {
+  RuleCell cell;
+  cell.text = std::move(text);
+  return cell;
+}
+
+RuleCell editableCell(std::string text, const char* identifier) {
+  RuleCell cell = textCell(std::move(text));
+  cell.editingIdentifier = identifier;
+  return cell;
+}
+
+RuleCell switchCell(const PropertyList& record, const char* field) {
+  RuleCell cell;
+  cell.isOn = record.boolForKey(field);
+  cell.switchField = field;
+  return cell;
+}
+
+RuleCell iconCell(RowIcon icon, int side) {
+  RuleCell cell;
+  cell.icon = std::move(icon);
+  cell.iconSide = side;
+  return cell;
+}
+
+}  // namespace
+
+std::span<const RuleColumn> columnsOfRuleList(RuleList list) {
+  switch (list) {
+    case RuleList::CreateNewFile:
+      return createNewFileColumns;
+    case RuleList::CopyFilesTo:
+      return copyFilesToColumns;
+    case RuleList::CommonPath:
+      return commonPathColumns;
+    case RuleList::CustomIcon:
+      return customIconColumns;
+    case RuleList::Others:
+      break;
+  }
+  return othersColumns;
+}
+
+bool isAlwaysOn(const PropertyList& othersRecord) {
+  const std::string action = othersRecord.stringForKey(record_field::action);
+  return std::find(alwaysOnActions.begin(), alwaysOnActions.end(), action) != alwaysOnActions.end();
+}
+
+RuleRows::RuleRows(Platform& platform)
+    : platform_(platform), homePath_(realHomePath(platform.bundle.account())) {
+  const auto container = platform.fileManager.containerPathForSecurityApplicationGroupIdentifier(
+      platform.bundle.groupIdentifier());
+  if (container) {
+    templatesFolder_ = appendingPathComponent(*container, template_folder::createNewFile);
+  }
+}
+
+RuleCell RuleRows::cell(RuleList list, const RuleColumn& column, const PropertyList& record) const {
+  switch (list) {
+    case RuleList::CreateNewFile:
+      return tableViewForCreateNewFile(column.identifier, record);
+    case RuleList::CopyFilesTo:
+      return tableViewForCopyTo(column.identifier, record);
+    case RuleList::CommonPath:
+      return tableViewForCommonPath(column.identifier, record);
+    case RuleList::CustomIcon:
+      return tableViewForCustomIcon(column.identifier, record);
+    case RuleList::Others:
+      break;
+  }
+  return tableViewForOthers(column.identifier, record);
+}
+
+RuleCell RuleRows::tableViewForCreateNewFile(std::string_view column,
+                                             const PropertyList& record) const {
+  const std::string extension = record.stringForKey(record_field::extension);
+  if (column == "Extension") return textCell(extension);
+  if (column == "NewFileDisplayName") {
+    return editableCell(titleOf(record, record_field::modified), "NewFileDisplayName");
+  }
+  if (column == "Enable") return switchCell(record, record_field::enable);
+  if (column == "EnableMainMenu") return switchCell(record, record_field::enableMainMenu);
+  if (column != "NewFileIcon") return {};
+  const std::string title = record.stringForKey(record_field::displayName);
+  return iconCell(
+      row_icon::ImageFile{appendingPathComponent(templatesFolder_, extension + ".png"),
+                          appendingPathComponent(templatesFolder_, title + "." + extension)},
+      iconSide);
+}
+
+RuleCell RuleRows::tableViewForCopyTo(std::string_view column, const PropertyList& record) const {
+  // The end of editing tells this list by "Note".
+  if (column == "DisplayName") return editableCell(folderTitleOf(record), "Note");
+  if (column == "realPath") return pathCell(record);
+  if (column == "Enable") return switchCell(record, record_field::enable);
+  if (column == "SendFileIcon") return folderIconCell(record);
+  return {};
+}
+
+RuleCell RuleRows::tableViewForCommonPath(std::string_view column,
+                                          const PropertyList& record) const {
+  if (column == "commonPathDisplayName") {
+    return editableCell(folderTitleOf(record), "commonPathDisplayName");
+  }
+  if (column == "realPath") return pathCell(record);
+  if (column == "commonPathIcon") return folderIconCell(record);
+  return {};
+}
+
+RuleCell RuleRows::tableViewForCustomIcon(std::string_view column,
+                                          const PropertyList& record) const {
+  if (column == "CustomIconName") {
+    return editableCell(titleOf(record, record_field::modified), "CustomIconName");
+  }
+  if (column == "Enable") return switchCell(record, record_field::enable);
+  if (column == "Icon") {
+    const PropertyList* icon = record.find(record_field::icon);
+    return iconCell(row_icon::Bytes{icon == nullptr ? nullptr : icon->sharedDataIfData()},
+                    iconSide);
+  }
+  if (column != "Size") return {};
+  RuleCell size = textCell(sizeOf(record));
+  size.isCentred = true;
+  return size;
+}
+
+RuleCell RuleRows::tableViewForOthers(std::string_view column, const PropertyList& record) const {
+  const std::string action = record.stringForKey(record_field::action);
+  if (column == "OthersDisplayName") {
+    std::string title = titleOf(record, record_field::nameModified);
+    if (isAlwaysOn(record)) return textCell(std::move(title));
+    return editableCell(std::move(title), "OthersDisplayName");
+  }
+  if (column == "OthersIcon") return iconCell(resourceIcon(action), commandIconSide);
+  if (column == "OthersEnable") {
+    RuleCell cell = switchCell(record, record_field::enable);
+    if (isAlwaysOn(record)) cell.isOn = true;
+    cell.isSwitchEnabled = !isAlwaysOn(record);
+    return cell;
+  }
+  RuleCell option;
+  if (column == "Option") option.option = action;
+  return option;
+}
+
+std::string RuleRows::titleOf(const PropertyList& record, const char* modifiedField) const {
+  const std::string title = record.stringForKey(record_field::displayName);
+  if (record.boolForKey(modifiedField)) return title;
+  return platform_.bundle.localizedString(title);
+}
+
+std::string RuleRows::folderTitleOf(const PropertyList& record) const {
+  const std::string title = record.stringForKey(record_field::displayName);
+  if (!title.empty()) return title;
+  return displayNameOfFolder(
+      expandingHome(record.stringForKey(record_field::realPath), homePath_), homePath_,
+      [this](const std::string& key) { return platform_.bundle.localizedString(key); });
+}
+
+RuleCell RuleRows::pathCell(const PropertyList& record) const {
+  return textCell(abbreviatingHome(record.stringForKey(record_field::realPath), homePath_));
+}
+
+RuleCell RuleRows::folderIconCell(const PropertyList& record) const {
+  const std::string path = record.stringForKey(record_field::realPath);
+  return iconCell(row_icon::Item{expandingHome(path, homePath_)}, iconSide);
+}
+
+std::string RuleRows::sizeOf(const PropertyList& record) const {
+  const PropertyList* icon = record.find(record_field::icon);
+  const PropertyList::Data* data = icon == nullptr ? nullptr : icon->dataIfData();
+  const auto size = data == nullptr ? std::nullopt : platform_.images.sizeOfImageWithData(*data);
+  if (!size) return "0 x 0";
+  return std::to_string(size->width) + " x " + std::to_string(size->height);
+}
+
+RowIcon RuleRows::resourceIcon(const std::string& action) const {
+  const bool isShared = action.find(sharedImageName) != action.npos;
+  const auto path = platform_.bundle.pathForResource(isShared ? sharedImageName : action, "png");
+  if (!path) return {};
+  return row_icon::Resource{*path};
+}
+
+}  // namespace tavrin

@@ -1,0 +1,55 @@
+#include "settings/window/OptionCells.h"
+
+#include <QEvent>
+#include <QHBoxLayout>
+
+#include "settings/window/RuleTableModel.h"
+#include "settings/window/RuleTableView.h"
+
+namespace tavrin {
+
+OptionCells::OptionCells(QWidget& shelf, RuleTableView& table, QObject* parent)
+    : QObject(parent), shelf_(shelf), table_(table) {}
+
+void OptionCells::setControl(const std::string& action, QWidget& control) {
+  controls_[action] = &control;
+  control.setFocusPolicy(Qt::StrongFocus);
+  control.installEventFilter(this);
+}
+
+bool OptionCells::eventFilter(QObject* watched, QEvent* event) {
+  // The wheel scrolls the table and does not choose on the way.
+  if (event->type() != QEvent::Wheel) return QObject::eventFilter(watched, event);
+  event->ignore();
+  return true;
+}
+
+void OptionCells::clear() {
+  for (const auto& [action, control] : controls_) control->setParent(&shelf_);
+}
+
+void OptionCells::place() {
+  clear();
+  QAbstractItemModel& model = *table_.model();
+  const auto& rules = static_cast<const RuleTableModel&>(model);
+  const int column = rules.columnWithIdentifier("Option");
+  for (int row = 0; row < model.rowCount(); ++row) {
+    const QModelIndex index = model.index(row, column);
+    const auto found =
+        controls_.find(index.data(RuleTableModel::OptionRole).toString().toStdString());
+    if (found == controls_.end()) {
+      if (table_.indexWidget(index) != nullptr) table_.setIndexWidget(index, nullptr);
+      continue;
+    }
+    auto* cell = new QWidget;
+    auto* layout = new QHBoxLayout(cell);
+    layout->setContentsMargins(2, 1, 6, 1);
+    const bool fills = found->second->inherits("QComboBox");
+    layout->addWidget(found->second, fills ? 1 : 0);
+    if (!fills) layout->addStretch();
+    found->second->show();
+    table_.setIndexWidget(index, cell);
+  }
+}
+
+}  // namespace tavrin

@@ -72,12 +72,12 @@ class EditingFixture : public SettingsFixture {
   };
   Moment momentOfReload(RuleList list, const std::function<void()>& edit) {
     std::optional<Moment> moment;
-    view.whileReloading = [&] {
+    view.whileShowing = [&] {
       EXPECT_FALSE(moment);
       moment = {stored(keyOf(list)), published(keyOf(list)), standardSynchronizations()};
     };
     edit();
-    view.whileReloading = nullptr;
+    view.whileShowing = nullptr;
     EXPECT_TRUE(moment);
     return *moment;
   }

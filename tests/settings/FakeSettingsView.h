@@ -13,10 +13,9 @@ namespace tavrin {
 /// Tables without a window.
 class FakeSettingsView final : public SettingsView {
  public:
-  void createNewFilePressed() override { events.emplace_back("first page"); }
+  void createNewFilePressed() override { tell("first page"); }
   void reloadData(RuleList list) override {
-    events.push_back(std::string("reload ") + keysOfRuleList(list).listKey);
-    if (whileReloading) whileReloading();
+    tell(std::string("reload ") + keysOfRuleList(list).listKey);
   }
   std::optional<std::size_t> selectedRow(RuleList list) const override {
     const auto row = selected.find(list);
@@ -29,10 +28,17 @@ class FakeSettingsView final : public SettingsView {
 
   /// What was shown, in order.
   std::vector<std::string> events;
-  std::function<void()> whileReloading;
+  /// What happens while something is shown.
+  std::function<void()> whileShowing;
   std::map<RuleList, std::optional<std::size_t>> selected;
   /// The remove buttons that were set.
   std::map<RuleList, bool> removeButtons;
+
+ private:
+  void tell(std::string event) {
+    events.push_back(std::move(event));
+    if (whileShowing) whileShowing();
+  }
 };
 
 }  // namespace tavrin

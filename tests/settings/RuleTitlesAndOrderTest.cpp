@@ -74,7 +74,7 @@ TEST_F(RuleTitlesAndOrder, MovesTheTemplateWithItsTitle) {
   fileManager.addFile(templates + "/Text.txt", "text");
   show(RuleList::CreateNewFile, {templateRow("Text", "txt")});
   std::optional<std::string> movedAlready;
-  view.whileReloading = [&] { movedAlready = templateText("Note.txt"); };
+  view.whileShowing = [&] { movedAlready = templateText("Note.txt"); };
   rules().controlTextShouldEndEditing("NewFileDisplayName", 0, "Note");
   EXPECT_EQ(movedAlready, std::nullopt);
   EXPECT_EQ(templateText("Note.txt"), "text");

@@ -18,6 +18,10 @@ TEST_F(StartingSettings, ShowsTheFirstPageThenPublishesAndDisablesTheRemoveButto
   suite->setObject(rowsNamed({"seeded"}), "arrOfCommonPath");
   controller->viewDidLoad();
   EXPECT_THAT(view.events, IsEmpty());
+  view.whileShowing = [this] {
+    EXPECT_EQ(published("arrOfCopyFilesTo"), PropertyList("(absent)"));
+    EXPECT_THAT(view.removeButtons, IsEmpty());
+  };
   mainLoop.advance(0.01);
   EXPECT_THAT(view.events, ElementsAre("first page"));
   for (const char* key :

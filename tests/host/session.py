@@ -73,10 +73,13 @@ def selection(*paths):
 
 
 class Session:
-    """Use as a context manager. With file metadata, GIO keeps them as on a whole desktop."""
+    """Use as a context manager. With file metadata, GIO keeps them as on a whole desktop. Unless
+    the host is to prompt for its extension, its user has seen that prompt.
+    """
 
-    def __init__(self, file_metadata=False):
+    def __init__(self, file_metadata=False, prompts_for_extension=False):
         self._file_metadata = file_metadata
+        self._prompts_for_extension = prompts_for_extension
         self._cleanup = contextlib.ExitStack()
         self.hosts = []
 
@@ -85,6 +88,8 @@ class Session:
             self._cleanup = started
             self._make_folders()
             self._start_desktop()
+            if not self._prompts_for_extension:
+                self.defaults("write", "standard", "ShownEnableExtensionAlert", "-bool", "true")
             self._cleanup = started.pop_all()
         return self
 
@@ -454,9 +459,11 @@ class HostTest(unittest.TestCase):
 
     # Whether GIO keeps metadata of files.
     file_metadata = False
+    # Whether the first opening of the window prompts for the extension.
+    prompts_for_extension = False
 
     def setUp(self):
-        self.session = Session(self.file_metadata)
+        self.session = Session(self.file_metadata, self.prompts_for_extension)
         self.enterContext(self.session)
 
     def tearDown(self):

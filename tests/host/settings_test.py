@@ -63,7 +63,7 @@ class Settings(HostTest):
     def test_a_corrupt_database_is_set_aside_and_seeded_anew(self):
         for domain in (APPLICATION_ID, GROUP):
             folder = self.session.config / domain
-            folder.mkdir()
+            folder.mkdir(exist_ok=True)
             (folder / "defaults.sqlite").write_bytes(b"no database " * 1000)
         host = self.session.start_waiting_host()
         wait_until(lambda: self.group_has(

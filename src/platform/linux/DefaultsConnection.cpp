@@ -20,7 +20,7 @@ constexpr const char* schema = R"(
   CREATE TABLE IF NOT EXISTS setting(
     id INTEGER PRIMARY KEY, key BLOB NOT NULL UNIQUE, value BLOB NOT NULL);
   CREATE TABLE IF NOT EXISTS large_data(
-    id INTEGER PRIMARY KEY, hash INTEGER NOT NULL, bytes BLOB NOT NULL);
+    id INTEGER PRIMARY KEY, hash BLOB NOT NULL, bytes BLOB NOT NULL);
   CREATE INDEX IF NOT EXISTS large_data_hash ON large_data(hash);
   CREATE TABLE IF NOT EXISTS large_data_use(
     setting INTEGER NOT NULL, position INTEGER NOT NULL, data INTEGER NOT NULL,

@@ -1,10 +1,7 @@
 #include "platform/linux/DefaultsDatabase.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
-#include <cstring>
-#include <set>
+#include <utility>
 
 #include "platform/linux/PropertyListFormats.h"
 
@@ -16,36 +13,14 @@ std::string_view asText(const PropertyList::Data& data) {
   return {reinterpret_cast<const char*>(data.data()), data.size()};
 }
 
-/// Finds equal data quickly; the bytes are compared afterwards. The file stays on its machine, so
-/// the order of bytes in a word does not matter.
-std::int64_t hashOf(const PropertyList::Data& data) {
-  constexpr std::uint64_t multiplier = 0x9E3779B97F4A7C15;
-  constexpr std::size_t laneCount = 4;
-  std::array<std::uint64_t, laneCount> lanes{1, 2, 3, 4};
-  std::size_t position = 0;
-  std::array<std::uint64_t, laneCount> words{};
-  const auto mix = [&] {
-    for (std::size_t lane = 0; lane < laneCount; ++lane) {
-      lanes[lane] = std::rotl((lanes[lane] ^ words[lane]) * multiplier, 29);
-    }
-  };
-  for (; data.size() - position >= sizeof words; position += sizeof words) {
-    std::memcpy(words.data(), data.data() + position, sizeof words);
-    mix();
-  }
-  words = {};
-  std::memcpy(words.data(), data.data() + position, data.size() - position);
-  mix();
-  std::uint64_t hash = data.size();
-  for (const std::uint64_t lane : lanes) hash = std::rotl((hash ^ lane) * multiplier, 31);
-  return static_cast<std::int64_t>(hash);
-}
-
 }  // namespace
 
 DefaultsDatabase::DefaultsDatabase(std::string folder, Log& log,
-                                   std::function<void()> startedAfresh)
-    : log_(log), connection_(std::move(folder), log, std::move(startedAfresh)) {}
+                                   std::function<void()> startedAfresh,
+                                   std::shared_ptr<KnownLargeData> known)
+    : log_(log),
+      connection_(std::move(folder), log, std::move(startedAfresh)),
+      largeData_(connection_, std::move(known)) {}
 
 bool DefaultsDatabase::run(SqliteQuery& query) {
   query.run();
@@ -70,14 +45,14 @@ void DefaultsDatabase::refreshCache() {
   cachedForeignCommits_ = current;
 }
 
-const DefaultsDatabase::Entry* DefaultsDatabase::cachedEntry(const std::string& key) {
+DefaultsDatabase::Entry* DefaultsDatabase::cachedEntry(const std::string& key) {
   connection_.ensureCurrent();
   refreshCache();
   const auto found = cache_.find(key);
   return found == cache_.end() ? nullptr : &found->second;
 }
 
-const DefaultsDatabase::Entry* DefaultsDatabase::entryInTransaction(const std::string& key) {
+DefaultsDatabase::Entry* DefaultsDatabase::entryInTransaction(const std::string& key) {
   refreshCache();
   const auto [found, isNew] = cache_.try_emplace(key);
   if (!isNew || load(key, found->second)) return &found->second;
@@ -91,51 +66,45 @@ bool DefaultsDatabase::load(const std::string& key, Entry& entry) {
   entry.isPresent = query.nextRow();
   if (!connection_.succeeded(query)) return false;
   if (!entry.isPresent) return true;
-  entry.encoded = query.bytes(1);
-  if (!loadLargeData(query.integer(0), entry)) return false;
-  if (!entry.largeData.empty()) return true;
-  entry.value = decode(entry);
-  if (!entry.value) log_.write("the setting \"" + key + "\" in " + folder() + " is unreadable");
-  return true;
+  const std::string_view encoded = query.bytes(1);
+  entry.encoded.assign(encoded.begin(), encoded.end());
+  auto uses = largeData_.uses(query.integer(0));
+  if (uses) entry.largeData = std::move(*uses);
+  return uses.has_value();
 }
 
-bool DefaultsDatabase::loadLargeData(std::int64_t setting, Entry& entry) {
-  SqliteQuery query = connection_.query(
-      "SELECT large_data.id, hash FROM large_data_use JOIN large_data ON large_data.id=data "
-      "WHERE setting=?1 ORDER BY position");
-  query.bind(1, setting);
-  while (query.nextRow()) entry.largeData.push_back({query.integer(0), query.integer(1)});
-  return connection_.succeeded(query);
-}
-
-std::optional<PropertyList> DefaultsDatabase::decode(const Entry& entry) {
-  const auto resolve = [this, &entry](std::uint32_t number) -> std::optional<PropertyList::Data> {
-    if (number >= entry.largeData.size()) return std::nullopt;
-    return largeData(entry.largeData[number].id);
+std::optional<PropertyList> DefaultsDatabase::decode(const Entry& entry,
+                                                     const LargeDataOfUse& largeData) {
+  const auto resolve = [&](std::uint32_t number) -> DefaultsLargeData::Bytes {
+    return number < entry.largeData.size() ? largeData(entry.largeData[number]) : nullptr;
   };
-  return propertyListFromBinary(reinterpret_cast<const std::uint8_t*>(entry.encoded.data()),
-                                entry.encoded.size(), resolve);
+  return propertyListFromBinary(entry.encoded.data(), entry.encoded.size(), resolve);
 }
 
-std::optional<PropertyList::Data> DefaultsDatabase::largeData(std::int64_t id) {
-  SqliteQuery query = connection_.query("SELECT bytes FROM large_data WHERE id=?1");
-  if (!query.bind(1, id).nextRow()) {
-    connection_.succeeded(query);
-    return std::nullopt;
+std::optional<PropertyList> DefaultsDatabase::valueInMemory(const std::string& key, Entry& entry) {
+  const auto held = [this](const auto& use) { return largeData_.held(use); };
+  if (!entry.largeData.empty()) return decode(entry, held);
+  if (!entry.isDecoded && entry.isPresent) {
+    entry.value = decode(entry, held);
+    if (!entry.value) log_.write("the setting \"" + key + "\" in " + folder() + " is unreadable");
   }
-  const std::string_view bytes = query.bytes(0);
-  return PropertyList::Data(bytes.begin(), bytes.end());
+  entry.isDecoded = true;
+  return entry.value;
 }
 
 std::optional<PropertyList> DefaultsDatabase::value(const std::string& key) {
-  if (const Entry* cached = cachedEntry(key); cached && cached->largeData.empty()) {
-    return cached->value;
+  if (Entry* cached = cachedEntry(key)) {
+    auto value = valueInMemory(key, *cached);
+    if (value || cached->largeData.empty()) return value;
   }
   std::optional<PropertyList> value;
   connection_.read([&] {
-    const Entry* entry = entryInTransaction(key);
-    if (entry) value = entry->largeData.empty() ? entry->value : decode(*entry);
-    return entry != nullptr;
+    Entry* entry = entryInTransaction(key);
+    if (entry == nullptr) return false;
+    value = entry->largeData.empty()
+                ? valueInMemory(key, *entry)
+                : decode(*entry, [this](const auto& use) { return largeData_.read(use); });
+    return true;
   });
   return value;
 }
@@ -149,8 +118,8 @@ std::optional<std::string> DefaultsDatabase::fingerprint(const std::string& key)
     });
   }
   if (!entry || !entry->isPresent) return std::nullopt;
-  std::string text = entry->encoded;
-  for (const LargeData& large : entry->largeData) text += " " + std::to_string(large.hash);
+  std::string text(asText(entry->encoded));
+  for (const auto& use : entry->largeData) text += use.digest;
   return text;
 }
 
@@ -168,10 +137,11 @@ std::vector<std::string> DefaultsDatabase::keys() {
 std::optional<DefaultsDatabase::EncodedValue> DefaultsDatabase::encode(const PropertyList& value,
                                                                        const std::string& key) {
   EncodedValue encoded;
+  encoded.key = key;
   const auto setLargeAside =
-      [&encoded](const PropertyList::Data& data) -> std::optional<std::uint32_t> {
-    if (data.size() < largeDataSize) return std::nullopt;
-    encoded.largeData.push_back(&data);
+      [&encoded](const DefaultsLargeData::Bytes& data) -> std::optional<std::uint32_t> {
+    if (data->size() < largeDataSize) return std::nullopt;
+    encoded.largeData.push_back(data);
     return static_cast<std::uint32_t>(encoded.largeData.size() - 1);
   };
   auto list = binaryFromPropertyList(value, setLargeAside);
@@ -179,7 +149,11 @@ std::optional<DefaultsDatabase::EncodedValue> DefaultsDatabase::encode(const Pro
     log_.write("the setting \"" + key + "\" in " + folder() + " is too large to store");
     return std::nullopt;
   }
-  encoded.list = std::move(*list);
+  encoded.entry.isPresent = true;
+  encoded.entry.encoded = std::move(*list);
+  for (const auto& data : encoded.largeData) {
+    encoded.entry.largeData.push_back({0, largeData_.digestOf(data)});
+  }
   return encoded;
 }
 
@@ -189,27 +163,40 @@ bool DefaultsDatabase::write(const DefaultsConnection::Work& work) {
   return written;
 }
 
+bool DefaultsDatabase::set(const PropertyList& value, const std::string& key) {
+  auto encoded = encode(value, key);
+  if (!encoded) return false;
+  std::vector<EncodedValue> values;
+  values.push_back(std::move(*encoded));
+  return storeAll(std::move(values));
+}
+
 bool DefaultsDatabase::set(const PropertyList::Dictionary& values) {
-  std::vector<std::pair<const std::string*, EncodedValue>> encoded;
+  std::vector<EncodedValue> encoded;
   for (const auto& [key, value] : values) {
     auto list = encode(value, key);
     if (!list) return false;
-    encoded.emplace_back(&key, std::move(*list));
+    encoded.push_back(std::move(*list));
   }
-  return write([&] {
-    return std::all_of(encoded.begin(), encoded.end(), [this](const auto& setting) {
-      return store(*setting.first, setting.second);
-    });
+  return storeAll(std::move(encoded));
+}
+
+bool DefaultsDatabase::storeAll(std::vector<EncodedValue> values) {
+  const bool written = write([&] {
+    return std::all_of(values.begin(), values.end(), [this](auto& value) { return store(value); });
   });
+  if (!written) return false;
+  for (auto& value : values) cache_.insert_or_assign(value.key, std::move(value.entry));
+  return true;
 }
 
 bool DefaultsDatabase::setIfAbsent(const PropertyList& value, const std::string& key) {
-  const auto encoded = encode(value, key);
+  auto encoded = encode(value, key);
   if (!encoded) return false;
   bool isAbsent = false;
   return write([&] {
            isAbsent = !settingWithKey(key);
-           return !isAbsent || store(key, *encoded);
+           return !isAbsent || store(*encoded);
          }) &&
          isAbsent;
 }
@@ -222,30 +209,29 @@ bool DefaultsDatabase::remove(const std::string& key) {
            if (!isPresent) return true;
            cache_.erase(key);
            SqliteQuery query = connection_.query("DELETE FROM setting WHERE id=?1");
-           return replaceUses(*setting, {}) && run(query.bind(1, *setting));
+           return largeData_.replaceUses(*setting, {}) && run(query.bind(1, *setting));
          }) &&
          isPresent;
 }
 
-bool DefaultsDatabase::store(const std::string& key, const EncodedValue& value) {
-  cache_.erase(key);
-  const auto setting = storeSetting(key, value);
+bool DefaultsDatabase::store(EncodedValue& value) {
+  cache_.erase(value.key);
+  const auto setting = storeSetting(value);
   if (!setting) return false;
-  std::vector<std::int64_t> data;
-  for (const PropertyList::Data* bytes : value.largeData) {
-    const auto id = storeLargeData(*bytes);
+  auto& uses = value.entry.largeData;
+  for (std::size_t index = 0; index < uses.size(); ++index) {
+    const auto id = largeData_.store(*value.largeData[index], uses[index].digest);
     if (!id) return false;
-    data.push_back(*id);
+    uses[index].id = *id;
   }
-  return replaceUses(*setting, data);
+  return largeData_.replaceUses(*setting, uses);
 }
 
-std::optional<std::int64_t> DefaultsDatabase::storeSetting(const std::string& key,
-                                                           const EncodedValue& value) {
+std::optional<std::int64_t> DefaultsDatabase::storeSetting(const EncodedValue& value) {
   SqliteQuery query = connection_.query(
       "INSERT INTO setting(key, value) VALUES(?1, ?2) "
       "ON CONFLICT(key) DO UPDATE SET value=excluded.value RETURNING id");
-  query.bind(1, key).bind(2, asText(value.list));
+  query.bind(1, value.key).bind(2, asText(value.entry.encoded));
   if (!query.nextRow()) {
     connection_.succeeded(query);
     return std::nullopt;
@@ -254,58 +240,12 @@ std::optional<std::int64_t> DefaultsDatabase::storeSetting(const std::string& ke
   return run(query) ? std::optional(id) : std::nullopt;
 }
 
-std::optional<std::int64_t> DefaultsDatabase::storeLargeData(const PropertyList::Data& data) {
-  const std::int64_t hash = hashOf(data);
-  SqliteQuery search = connection_.query("SELECT id FROM large_data WHERE hash=?1 AND bytes=?2");
-  if (search.bind(1, hash).bind(2, asText(data)).nextRow()) return search.integer(0);
-  if (!connection_.succeeded(search)) return std::nullopt;
-  SqliteQuery insertion =
-      connection_.query("INSERT INTO large_data(hash, bytes) VALUES(?1, ?2) RETURNING id");
-  if (!insertion.bind(1, hash).bind(2, asText(data)).nextRow()) {
-    connection_.succeeded(insertion);
-    return std::nullopt;
-  }
-  const std::int64_t id = insertion.integer(0);
-  return run(insertion) ? std::optional(id) : std::nullopt;
-}
-
 std::optional<std::int64_t> DefaultsDatabase::settingWithKey(const std::string& key) {
   SqliteQuery query = connection_.query("SELECT id FROM setting WHERE key=?1");
   query.bind(1, key);
   if (query.nextRow()) return query.integer(0);
   connection_.succeeded(query);
   return std::nullopt;
-}
-
-std::optional<std::vector<std::int64_t>> DefaultsDatabase::uses(std::int64_t setting) {
-  SqliteQuery query =
-      connection_.query("SELECT data FROM large_data_use WHERE setting=?1 ORDER BY position");
-  query.bind(1, setting);
-  std::vector<std::int64_t> data;
-  while (query.nextRow()) data.push_back(query.integer(0));
-  return connection_.succeeded(query) ? std::optional(std::move(data)) : std::nullopt;
-}
-
-bool DefaultsDatabase::replaceUses(std::int64_t setting, const std::vector<std::int64_t>& data) {
-  const auto former = uses(setting);
-  if (!former || *former == data) return former.has_value();
-  {
-    SqliteQuery removal = connection_.query("DELETE FROM large_data_use WHERE setting=?1");
-    if (!run(removal.bind(1, setting))) return false;
-  }
-  for (std::size_t position = 0; position < data.size(); ++position) {
-    SqliteQuery insertion =
-        connection_.query("INSERT INTO large_data_use(setting, position, data) VALUES(?1, ?2, ?3)");
-    insertion.bind(1, setting).bind(2, static_cast<std::int64_t>(position)).bind(3, data[position]);
-    if (!run(insertion)) return false;
-  }
-  for (const std::int64_t id : std::set<std::int64_t>(former->begin(), former->end())) {
-    SqliteQuery removal = connection_.query(
-        "DELETE FROM large_data WHERE id=?1 AND NOT EXISTS"
-        "(SELECT 1 FROM large_data_use WHERE data=?1)");
-    if (!run(removal.bind(1, id))) return false;
-  }
-  return true;
 }
 
 }  // namespace tavrin

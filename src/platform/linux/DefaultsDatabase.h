@@ -8,6 +8,7 @@
 
 #include "foundation/PropertyList.h"
 #include "platform/linux/DefaultsConnection.h"
+#include "platform/linux/DefaultsLargeData.h"
 
 namespace tavrin {
 
@@ -15,19 +16,22 @@ namespace tavrin {
 ///
 /// Values are binary property lists in SQLite with a write-ahead log. Data of `largeDataSize` bytes
 /// and more stands beside them, once for all its uses, so that rewriting a list leaves its images
-/// alone. What was read stays in memory, without large data, until somebody commits.
+/// alone. What was read or written stays in memory, without large data, until somebody else
+/// commits; large data that somebody holds is shared with whoever reads it again.
 class DefaultsDatabase {
  public:
   static constexpr std::size_t largeDataSize = 4096;
 
-  /// See DefaultsConnection.
-  DefaultsDatabase(std::string folder, Log& log, std::function<void()> startedAfresh);
+  /// See DefaultsConnection. `known` may serve several domains.
+  DefaultsDatabase(std::string folder, Log& log, std::function<void()> startedAfresh,
+                   std::shared_ptr<KnownLargeData> known);
 
   std::optional<PropertyList> value(const std::string& key);
   std::vector<std::string> keys();
 
   /// Each is one commit. Returns false, after a log line, when nothing was changed because of a
   /// failure.
+  bool set(const PropertyList& value, const std::string& key);
   bool set(const PropertyList::Dictionary& values);
   /// Returns whether there was a value, which is gone.
   bool remove(const std::string& key);
@@ -52,44 +56,44 @@ class DefaultsDatabase {
   const std::string& folder() const { return connection_.folder(); }
 
  private:
-  struct LargeData {
-    std::int64_t id = 0;
-    std::int64_t hash = 0;
-  };
+  /// A value as it is stored.
   struct Entry {
     bool isPresent = false;
-    std::string encoded;
+    PropertyList::Data encoded;
     /// In the order of the numbers that stand in the encoded list.
-    std::vector<LargeData> largeData;
-    /// Only of a list without large data.
+    std::vector<DefaultsLargeData::Use> largeData;
+    /// Of a list without large data, once it was asked for.
     std::optional<PropertyList> value;
+    bool isDecoded = false;
   };
+  /// A value to be stored, with the large data of the entry.
   struct EncodedValue {
-    PropertyList::Data list;
-    std::vector<const PropertyList::Data*> largeData;
+    std::string key;
+    Entry entry;
+    std::vector<DefaultsLargeData::Bytes> largeData;
   };
 
   void refreshCache();
   std::int64_t foreignCommits();
-  const Entry* cachedEntry(const std::string& key);
-  const Entry* entryInTransaction(const std::string& key);
+  Entry* cachedEntry(const std::string& key);
+  Entry* entryInTransaction(const std::string& key);
   bool load(const std::string& key, Entry& entry);
-  bool loadLargeData(std::int64_t setting, Entry& entry);
-  std::optional<PropertyList> decode(const Entry& entry);
-  std::optional<PropertyList::Data> largeData(std::int64_t id);
+  /// The value without asking the database; nothing when that cannot be.
+  std::optional<PropertyList> valueInMemory(const std::string& key, Entry& entry);
+  using LargeDataOfUse = std::function<DefaultsLargeData::Bytes(const DefaultsLargeData::Use&)>;
+  static std::optional<PropertyList> decode(const Entry& entry, const LargeDataOfUse& largeData);
 
   std::optional<EncodedValue> encode(const PropertyList& value, const std::string& key);
   bool write(const DefaultsConnection::Work& work);
-  bool store(const std::string& key, const EncodedValue& value);
-  std::optional<std::int64_t> storeSetting(const std::string& key, const EncodedValue& value);
-  std::optional<std::int64_t> storeLargeData(const PropertyList::Data& data);
+  bool storeAll(std::vector<EncodedValue> values);
+  bool store(EncodedValue& value);
+  std::optional<std::int64_t> storeSetting(const EncodedValue& value);
   std::optional<std::int64_t> settingWithKey(const std::string& key);
-  std::optional<std::vector<std::int64_t>> uses(std::int64_t setting);
-  bool replaceUses(std::int64_t setting, const std::vector<std::int64_t>& data);
   bool run(SqliteQuery& query);
 
   Log& log_;
   DefaultsConnection connection_;
+  DefaultsLargeData largeData_;
   std::uint64_t ownCommits_ = 0;
   std::uint64_t cachedGeneration_ = 0;
   std::int64_t cachedForeignCommits_ = 0;

@@ -29,8 +29,9 @@ std::uint64_t VolatileDefaults::changeCount() const {
 
 DefaultsDomain::DefaultsDomain(std::string folder, Log& log, std::function<void()> startedAfresh,
                                std::shared_ptr<DefaultsChangeSource> changes,
-                               std::shared_ptr<VolatileDefaults> volatileValues)
-    : database_(std::move(folder), log, std::move(startedAfresh)),
+                               std::shared_ptr<VolatileDefaults> volatileValues,
+                               std::shared_ptr<KnownLargeData> knownLargeData)
+    : database_(std::move(folder), log, std::move(startedAfresh), std::move(knownLargeData)),
       changes_(std::move(changes)),
       volatileValues_(std::move(volatileValues)) {}
 

@@ -30,7 +30,8 @@ class DefaultsDomain {
  public:
   DefaultsDomain(std::string folder, Log& log, std::function<void()> startedAfresh,
                  std::shared_ptr<DefaultsChangeSource> changes,
-                 std::shared_ptr<VolatileDefaults> volatileValues);
+                 std::shared_ptr<VolatileDefaults> volatileValues,
+                 std::shared_ptr<KnownLargeData> knownLargeData);
 
   DefaultsDatabase& database() { return database_; }
   VolatileDefaults& volatileValues() { return *volatileValues_; }

@@ -12,11 +12,11 @@ std::optional<PropertyList> LinuxUserDefaults::objectForKey(const std::string& k
 }
 
 void LinuxUserDefaults::setObject(const PropertyList& value, const std::string& key) {
-  setObjects({{key, value}});
+  // A failure is in the log; the old value then stands and nobody is told.
+  if (domain_->database().set(value, key)) domain_->tellOwnObservers(number_, key);
 }
 
 bool LinuxUserDefaults::setObjects(const PropertyList::Dictionary& values) {
-  // A failure is in the log; the old values then stand and nobody is told.
   if (!domain_->database().set(values)) return false;
   for (const auto& entry : values) domain_->tellOwnObservers(number_, entry.first);
   return true;

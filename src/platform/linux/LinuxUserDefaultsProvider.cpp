@@ -28,6 +28,7 @@ struct LinuxUserDefaultsProvider::State {
   std::string configDirectory = userConfigDirectory();
   std::shared_ptr<DefaultsChangeSource> changes;
   std::shared_ptr<std::atomic<bool>> startedAfresh = std::make_shared<std::atomic<bool>>(false);
+  std::shared_ptr<KnownLargeData> knownLargeData = std::make_shared<KnownLargeData>();
   std::mutex mutex;
   std::map<std::pair<std::thread::id, std::string>, std::weak_ptr<DefaultsDomain>> domains;
   std::map<std::string, std::shared_ptr<VolatileDefaults>> volatileValues;
@@ -66,7 +67,7 @@ std::unique_ptr<LinuxUserDefaults> LinuxUserDefaultsProvider::open(const std::st
         isFileName(folderName) ? state_->configDirectory + "/" + folderName : std::string();
     domain = std::make_shared<DefaultsDomain>(
         folder, state_->log, [flag = state_->startedAfresh] { *flag = true; }, state_->changes,
-        volatileValues);
+        volatileValues, state_->knownLargeData);
     known = domain;
   }
   return std::make_unique<LinuxUserDefaults>(std::move(domain));

@@ -176,7 +176,7 @@ std::optional<PropertyList> BinaryReader::uid(unsigned low) {
         PropertyList::Dictionary{{"CF$UID", PropertyList(static_cast<std::int64_t>(number))}});
   }
   auto bytes = dataForReference_(static_cast<std::uint32_t>(number));
-  return bytes ? Value(std::move(*bytes)) : std::nullopt;
+  return bytes ? Value(std::move(bytes)) : std::nullopt;
 }
 
 std::optional<std::uint64_t> BinaryReader::takeCount(unsigned low) {

@@ -104,8 +104,8 @@ std::optional<std::uint32_t> BinaryWriter::add(const PropertyList& value, std::s
   }
   Object object;
   object.value = &value;
-  const auto* data = value.dataIfData();
-  if (data && referenceForData_) object.reference = referenceForData_(*data);
+  const auto data = value.sharedDataIfData();
+  if (data && referenceForData_) object.reference = referenceForData_(data);
   if (!count(data && !object.reference ? data->size() : 0)) return std::nullopt;
   const auto* elements = value.arrayIfArray();
   const auto* entries = value.dictionaryIfDictionary();

@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -21,9 +22,10 @@ inline constexpr std::size_t bytes = 256U << 20U;
 }  // namespace propertylistlimits
 
 /// Gives a number for data that the caller keeps elsewhere; nothing for data that stays in place.
-using ReferenceForData = std::function<std::optional<std::uint32_t>(const PropertyList::Data&)>;
-/// Gives the data back; nothing when there is none under that number.
-using DataForReference = std::function<std::optional<PropertyList::Data>(std::uint32_t)>;
+using ReferenceForData =
+    std::function<std::optional<std::uint32_t>(const std::shared_ptr<const PropertyList::Data>&)>;
+/// Gives the data back; null when there is none under that number.
+using DataForReference = std::function<std::shared_ptr<const PropertyList::Data>(std::uint32_t)>;
 
 /// Apple's binary format, version 00 (CFBinaryPList.c). Strings are ASCII or UTF-16; a byte that
 /// is part of no valid UTF-8 becomes the lone surrogate U+DC80 to U+DCFF, as Python's

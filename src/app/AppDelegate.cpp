@@ -5,6 +5,7 @@
 #include "actions/FolderAccess.h"
 #include "foundation/PathString.h"
 #include "foundation/Translatable.h"
+#include "platform/SystemDefaults.h"
 #include "sandbox/AppSandboxFileAccessPersist.h"
 #include "settings/SettingsKeys.h"
 
@@ -161,8 +162,9 @@ std::unique_ptr<StatusItem> AppDelegate::makeStatusItem() {
 
 void AppDelegate::darkModeChanged() {
   if (!prefswindow_) return;
-  const bool dark = platform_.capabilities.hasDarkAppearance() &&
-                    standardUserDefaults_->stringForKey("AppleInterfaceStyle").has_value();
+  const bool dark =
+      platform_.capabilities.hasDarkAppearance() &&
+      standardUserDefaults_->stringForKey(system_defaults::appleInterfaceStyle).has_value();
   if (dark) {
     prefswindow_->setBackgroundColor(0.11, 0.12, 0.13);
   } else {

@@ -46,7 +46,7 @@ class UserDefaults {
   virtual bool synchronize() = 0;
 
   /// Sets a value that this process alone sees and that is never stored (the system's own answers,
-  /// such as "AppleInterfaceStyle"); nothing removes it. Observers are told as by setObject.
+  /// see SystemDefaults.h); nothing removes it. Observers are told as by setObject.
   virtual void setVolatileObject(const std::optional<PropertyList>& value,
                                  const std::string& key) = 0;
 

@@ -180,15 +180,26 @@ void RuleListEditing::acceptDrop(RuleList list, std::size_t sourceRow, std::size
   if (record == nullptr || dropRow > rows(list).size() || isAlwaysOn(list, *record)) return;
   const auto countedList = list == RuleList::Others ? RuleList::CustomIcon : list;
   const bool isBelowLast = dropRow == rows(countedList).size() && dropRow > 0;
+  const std::size_t lastRow = rows(list).size() - 1;
+  move(list, sourceRow, std::min(isBelowLast ? dropRow - 1 : dropRow, lastRow));
+  if (view_ != nullptr) view_->selectRow(list, std::nullopt);
+}
+
+void RuleListEditing::moveRow(RuleList list, std::size_t fromRow, std::size_t toRow) {
+  const PropertyList* record = recordAt(list, fromRow);
+  if (record == nullptr || toRow >= rows(list).size() || isAlwaysOn(list, *record)) return;
+  move(list, fromRow, toRow);
+  if (view_ != nullptr) view_->selectRow(list, toRow);
+}
+
+void RuleListEditing::move(RuleList list, std::size_t sourceRow, std::size_t target) {
   auto& records = workingLists_.list(list);
-  const std::size_t target = std::min(isBelowLast ? dropRow - 1 : dropRow, records.size() - 1);
   PropertyList moved = std::move(records[sourceRow]);
   records.erase(records.begin() + static_cast<std::ptrdiff_t>(sourceRow));
   records.insert(records.begin() + static_cast<std::ptrdiff_t>(target), std::move(moved));
   store(list, Synchronize::No);
   publish(list);
   reloadData(list);
-  if (view_ != nullptr) view_->selectRow(list, std::nullopt);
 }
 
 // What all edits share

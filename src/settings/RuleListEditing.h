@@ -90,6 +90,10 @@ class RuleListEditing {
   /// on do not move.
   void acceptDrop(RuleList list, std::size_t sourceRow, std::size_t dropRow);
 
+  /// Moves a row to another place in its list, which is counted without it, and selects it there.
+  /// Commands that are always on do not move.
+  void moveRow(RuleList list, std::size_t fromRow, std::size_t toRow);
+
  private:
   struct Adding;
   using Picked = std::function<void(const std::vector<FileURL>& urls)>;
@@ -108,6 +112,8 @@ class RuleListEditing {
   const PropertyList* recordAt(RuleList list, std::size_t row) const;
   void setFields(RuleList list, std::size_t row, const PropertyList::Dictionary& fields);
   void commit(RuleList list);
+  void move(RuleList list, std::size_t sourceRow, std::size_t target);
+
   enum class Synchronize { No, Yes };
   void store(RuleList list, Synchronize synchronize);
   void writeUnobserved(RuleList list, const std::function<void()>& write);

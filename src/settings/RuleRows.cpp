@@ -6,6 +6,7 @@
 
 #include "foundation/PathHelpers.h"
 #include "foundation/PathString.h"
+#include "foundation/Translatable.h"
 
 namespace tavrin {
 
@@ -14,34 +15,34 @@ namespace {
 using Kind = RuleColumn::Kind;
 
 constexpr std::array createNewFileColumns{
-    RuleColumn{"Enable", "Enabled", Kind::Switch},
-    RuleColumn{"NewFileIcon", "Icon", Kind::Icon},
-    RuleColumn{"NewFileDisplayName", "Name", Kind::Text},
-    RuleColumn{"Extension", "Extension", Kind::Text},
-    RuleColumn{"EnableMainMenu", "In the main menu", Kind::Switch},
+    RuleColumn{"Enable", translatable("Enabled"), Kind::Switch},
+    RuleColumn{"NewFileIcon", translatable("Icon"), Kind::Icon},
+    RuleColumn{"NewFileDisplayName", translatable("Name"), Kind::Text},
+    RuleColumn{"Extension", translatable("Extension"), Kind::Text},
+    RuleColumn{"EnableMainMenu", translatable("In the main menu"), Kind::Switch},
 };
 constexpr std::array copyFilesToColumns{
-    RuleColumn{"Enable", "Enabled", Kind::Switch},
-    RuleColumn{"SendFileIcon", "Icon", Kind::Icon},
-    RuleColumn{"DisplayName", "Name", Kind::Text},
-    RuleColumn{"realPath", "Folder", Kind::Text},
+    RuleColumn{"Enable", translatable("Enabled"), Kind::Switch},
+    RuleColumn{"SendFileIcon", translatable("Icon"), Kind::Icon},
+    RuleColumn{"DisplayName", translatable("Name"), Kind::Text},
+    RuleColumn{"realPath", translatable("Folder"), Kind::Text},
 };
 constexpr std::array commonPathColumns{
-    RuleColumn{"commonPathIcon", "Icon", Kind::Icon},
-    RuleColumn{"commonPathDisplayName", "Name", Kind::Text},
-    RuleColumn{"realPath", "Folder", Kind::Text},
+    RuleColumn{"commonPathIcon", translatable("Icon"), Kind::Icon},
+    RuleColumn{"commonPathDisplayName", translatable("Name"), Kind::Text},
+    RuleColumn{"realPath", translatable("Folder"), Kind::Text},
 };
 constexpr std::array customIconColumns{
-    RuleColumn{"Enable", "Enabled", Kind::Switch},
-    RuleColumn{"Icon", "Icon", Kind::Icon},
-    RuleColumn{"CustomIconName", "Name", Kind::Text},
-    RuleColumn{"Size", "Size", Kind::Text, true},
+    RuleColumn{"Enable", translatable("Enabled"), Kind::Switch},
+    RuleColumn{"Icon", translatable("Icon"), Kind::Icon},
+    RuleColumn{"CustomIconName", translatable("Name"), Kind::Text},
+    RuleColumn{"Size", translatable("Size"), Kind::Text, true},
 };
 constexpr std::array othersColumns{
-    RuleColumn{"OthersEnable", "Enabled", Kind::Switch},
-    RuleColumn{"OthersIcon", "Icon", Kind::Icon},
-    RuleColumn{"OthersDisplayName", "Name", Kind::Text},
-    RuleColumn{"Option", "Option", Kind::Option},
+    RuleColumn{"OthersEnable", translatable("Enabled"), Kind::Switch},
+    RuleColumn{"OthersIcon", translatable("Icon"), Kind::Icon},
+    RuleColumn{"OthersDisplayName", translatable("Name"), Kind::Text},
+    RuleColumn{"Option", translatable("Option"), Kind::Option},
 };
 
 constexpr int iconSide = 28;

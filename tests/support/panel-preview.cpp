@@ -1,5 +1,5 @@
 // Shows one of the program's windows, to be looked at:
-//   panel-preview access PATH | folders PATH | save PATH [dark] | alert | light | dark
+//   panel-preview access PATH | folders PATH | save PATH [dark] | alert
 
 #include <QApplication>
 #include <QPalette>
@@ -8,10 +8,8 @@
 
 #include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/LinuxAlert.h"
-#include "platform/linux/LinuxBundle.h"
 #include "platform/linux/panel/LinuxOpenPanel.h"
 #include "sandbox/AppSandboxFileAccessOpenSavePanelDelegate.h"
-#include "settings/window/QtPreferencesWindow.h"
 
 namespace {
 
@@ -83,27 +81,17 @@ int showAlert() {
   return 0;
 }
 
-int showWindow(bool isDark) {
-  const tavrin::LinuxBundle bundle;
-  tavrin::QtPreferencesWindow window(bundle);
-  if (isDark) window.setBackgroundColor(0.11, 0.12, 0.13);
-  window.setMovableByWindowBackground(true);
-  window.makeKeyAndOrderFront();
-  return QApplication::exec();
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
   const QApplication application(argc, argv);
   QApplication::setApplicationName(QStringLiteral("Tavrin"));
   tavrin::ensureApplicationIcon();
-  const std::string what = argc > 1 ? argv[1] : "light";
-  if (what == "access") return showAccessPanel(argc > 2 ? argv[2] : "/usr/share");
+  const std::string what = argc > 1 ? argv[1] : "access";
   if (what == "folders") return showFolderChooser(argc > 2 ? argv[2] : "/usr");
   if (argc > 3)
     QApplication::setPalette(QPalette(QColor(0x35, 0x36, 0x3a), QColor(0x26, 0x27, 0x2b)));
   if (what == "save") return showSavePanel(argc > 2 ? argv[2] : "/usr");
   if (what == "alert") return showAlert();
-  return showWindow(what == "dark");
+  return showAccessPanel(argc > 2 ? argv[2] : "/usr/share");
 }

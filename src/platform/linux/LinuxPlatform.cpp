@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "foundation/PathString.h"
+#include "platform/SystemDefaults.h"
 #include "platform/linux/AcceptedPropertyLists.h"
 #include "platform/linux/LinuxAlert.h"
 #include "platform/linux/LinuxAppearance.h"
@@ -40,7 +41,7 @@ struct LinuxPlatform::Services {
   Services(AcceptedRequests& accepted, BusIntake& intake, TerminationSignals& signalsToEnd,
            Log& systemLog);
 
-  void appearanceChanged(bool isDark);
+  void appearanceChanged(const Appearance& now);
   void settingsChanged();
 
   Log& log;
@@ -100,7 +101,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       extensionController(log),
       application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
-      appearance([this](bool isDark) { appearanceChanged(isDark); }),
+      appearance([this](const Appearance& now) { appearanceChanged(now); }),
       settingsNotifier(userDefaults.changeDescriptor(), QSocketNotifier::Read),
       mainLoop(log),
       platform{log,
@@ -129,9 +130,10 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
 }
 
-void LinuxPlatform::Services::appearanceChanged(bool isDark) {
-  const auto style = isDark ? std::optional<PropertyList>("Dark") : std::nullopt;
-  standardUserDefaults->setVolatileObject(style, "AppleInterfaceStyle");
+void LinuxPlatform::Services::appearanceChanged(const Appearance& now) {
+  const auto style = now.isDark ? std::optional<PropertyList>("Dark") : std::nullopt;
+  standardUserDefaults->setVolatileObject(now.hasMoreContrast, system_defaults::increaseContrast);
+  standardUserDefaults->setVolatileObject(style, system_defaults::appleInterfaceStyle);
   distributedNotifications.deliverLocally("AppleInterfaceThemeChangedNotification");
 }
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/SystemDefaults.h"
 #include "settings/window/SettingsViewController.h"
 #include "settings/window/WindowPalette.h"
 
@@ -19,7 +20,6 @@ namespace tavrin {
 namespace {
 
 constexpr int headIconSize = 36;
-const QColor accentColour(0x2f, 0x83, 0xe6);
 
 /// Where the window stood: "x y width height" in points. The key is the one that windows of this
 /// name have everywhere.
@@ -46,7 +46,9 @@ QtPreferencesWindow::QtPreferencesWindow(Platform& platform, UserDefaults& stand
     : standardUserDefaults_(standardUserDefaults), ui_(std::make_unique<Ui::PreferencesWindow>()) {
   ui_->setupUi(this);
   fillTexts(platform.bundle);
-  setBackgroundColor(1.0, 1.0, 1.0);
+  applyColours();
+  contrastObservation_ = standardUserDefaults.observe(
+      system_defaults::increaseContrast, [this](const auto& /*newValue*/) { applyColours(); });
   restoreFrame();
   QObject::connect(ui_->authorizeRootButton, &QCheckBox::clicked, this, [this] {
     if (authorizeRootAction_) authorizeRootAction_();
@@ -75,10 +77,19 @@ void QtPreferencesWindow::makeKeyAndOrderFront() {
 }
 
 void QtPreferencesWindow::setBackgroundColor(double red, double green, double blue) {
-  const QColor background = QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
-                                             static_cast<float>(blue));
-  const WindowPalette palette(background, accentColour);
+  background_ = QColor::fromRgbF(static_cast<float>(red), static_cast<float>(green),
+                                 static_cast<float>(blue));
+  applyColours();
+}
+
+void QtPreferencesWindow::applyColours() {
+  const bool isMore = standardUserDefaults_.boolForKey(system_defaults::increaseContrast);
+  const WindowPalette palette(background_, QGuiApplication::palette(),
+                              isMore ? Contrast::More : Contrast::Normal);
   setPalette(palette.controls());
+  for (QCheckBox* box : ui_->content->findChildren<QCheckBox*>()) {
+    box->setPalette(switchPalette(palette.controls()));
+  }
   ui_->sidebar->setPalette(palette.sidebar());
   ui_->divider->setPalette(palette.line());
   for (QLabel* label : {ui_->Version, ui_->authorizeRootNote, ui_->createNewFilePageIntro,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QMainWindow>
 #include <functional>
 #include <memory>
@@ -43,6 +44,7 @@ class QtPreferencesWindow final : public QMainWindow, public PreferencesWindow {
 
  private:
   void fillTexts(const Bundle& bundle);
+  void applyColours();
   void restoreFrame();
   void saveFrame();
 
@@ -51,6 +53,8 @@ class QtPreferencesWindow final : public QMainWindow, public PreferencesWindow {
   std::unique_ptr<SettingsViewController> controller_;
   std::function<void()> authorizeRootAction_;
   std::function<void()> closedAction_;
+  Observation contrastObservation_;
+  QColor background_ = Qt::white;
   bool isMovableByBackground_ = false;
 };
 

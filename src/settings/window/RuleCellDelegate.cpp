@@ -10,6 +10,7 @@
 #include <algorithm>
 
 #include "settings/window/RuleTableModel.h"
+#include "settings/window/WindowPalette.h"
 
 namespace tavrin {
 
@@ -33,7 +34,7 @@ QRect switchRect(const QStyleOptionViewItem& option) {
 void paintSwitch(QPainter& painter, const QStyleOptionViewItem& option, const QModelIndex& index) {
   QStyleOptionButton button;
   button.rect = switchRect(option);
-  button.palette = option.palette;
+  button.palette = switchPalette(option.palette);
   button.direction = option.direction;
   const bool isLocked = index.data(RuleTableModel::IsLockedRole).toBool();
   const bool isOn = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;

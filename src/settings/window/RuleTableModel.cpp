@@ -74,7 +74,7 @@ QString RuleTableModel::localized(const char* text) const {
 QString RuleTableModel::accessibleText(const RuleColumn& column, const RuleCell& cell) const {
   const QString title = localized(column.title);
   const QString colon = QStringLiteral(": ");
-  if (cell.isOn) return title + colon + localized(*cell.isOn ? "On" : "Off");
+  if (cell.isOn) return title + colon + (*cell.isOn ? localized("On") : localized("Off"));
   if (cell.text.empty()) return title;
   return title + colon + QString::fromStdString(cell.text);
 }

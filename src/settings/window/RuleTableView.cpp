@@ -22,7 +22,6 @@ constexpr int iconColumnWidth = 44;
 constexpr int leastSwitchWidth = 64;
 constexpr int optionColumnWidth = 200;
 constexpr int textColumnWidth = 110;
-constexpr int headerPadding = 20;
 constexpr int hintMargin = 40;
 constexpr int gapLineWidth = 2;
 
@@ -69,15 +68,11 @@ void RuleTableView::layOutColumns() {
         header->setSectionResizeMode(section, QHeaderView::Fixed);
         header->resizeSection(section, iconColumnWidth);
         break;
-      case RuleColumn::Kind::Switch: {
-        const QString title =
-            ruleModel_->headerData(section, Qt::Horizontal, Qt::DisplayRole).toString();
+      case RuleColumn::Kind::Switch:
         header->setSectionResizeMode(section, QHeaderView::Fixed);
-        header->resizeSection(
-            section,
-            std::max(leastSwitchWidth, fontMetrics().horizontalAdvance(title) + headerPadding));
+        header->resizeSection(section,
+                              std::max(leastSwitchWidth, header->sectionSizeHint(section)));
         break;
-      }
       case RuleColumn::Kind::Option:
         header->setSectionResizeMode(section, QHeaderView::Fixed);
         header->resizeSection(section, optionColumnWidth);

@@ -268,9 +268,8 @@ void SettingsViewController::rowSwitched(RuleList list, std::size_t row, const c
 }
 
 void SettingsViewController::moveRow(RuleList list, int fromRow, int toRow) {
-  settings_.rules().acceptDrop(list, static_cast<std::size_t>(fromRow),
-                               static_cast<std::size_t>(toRow));
-  selectRow(list, static_cast<std::size_t>(toRow));
+  settings_.rules().moveRow(list, static_cast<std::size_t>(fromRow),
+                            static_cast<std::size_t>(toRow));
 }
 
 void SettingsViewController::showRowMenu(RuleList list, int row, const QPoint& position) {

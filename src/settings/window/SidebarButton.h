@@ -9,6 +9,8 @@ namespace tavrin {
 /// An entry of the sidebar: a drawing and a text in one row. It is chosen like a radio button, by a
 /// click or the arrow keys.
 class SidebarButton final : public QAbstractButton {
+  Q_OBJECT
+
  public:
   explicit SidebarButton(QWidget* parent = nullptr);
 

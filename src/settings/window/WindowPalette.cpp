@@ -17,23 +17,35 @@ float luma(const QColor& colour) {
 
 }  // namespace
 
-WindowPalette::WindowPalette(const QColor& background, const QColor& accent) {
+WindowPalette::WindowPalette(const QColor& background, const QPalette& desktop, Contrast contrast)
+    : contrast_(contrast) {
   const bool isDark = luma(background) < 0.5F;
-  const QColor text = isDark ? QColor(0xee, 0xf0, 0xf2) : QColor(0x1d, 0x21, 0x25);
+  const bool isStrong = hasMoreContrast();
+  const QColor full = isDark ? Qt::white : Qt::black;
+  const QColor soft = isDark ? QColor(0xee, 0xf0, 0xf2) : QColor(0x1d, 0x21, 0x25);
+  const QColor text = isStrong ? full : soft;
   const QColor button = mixed(background, text, isDark ? 0.12F : 0.05F);
   controls_ = QPalette(button, background);
   controls_.setColor(QPalette::Window, background);
-  controls_.setColor(QPalette::Base, mixed(background, text, isDark ? 0.05F : 0.0F));
+  controls_.setColor(QPalette::Base, mixed(background, text, isDark && !isStrong ? 0.05F : 0.0F));
   controls_.setColor(QPalette::AlternateBase, mixed(background, text, isDark ? 0.08F : 0.03F));
-  controls_.setColor(QPalette::Midlight, mixed(background, text, isDark ? 0.20F : 0.0F));
-  controls_.setColor(QPalette::Highlight, accent);
-  controls_.setColor(QPalette::HighlightedText, Qt::white);
-  controls_.setColor(QPalette::PlaceholderText, mixed(background, text, 0.6F));
+  const float frame = isDark ? 0.7F : 0.3F;
+  controls_.setColor(QPalette::Midlight, mixed(background, text, isStrong ? 1.0F : frame));
+  controls_.setColor(QPalette::Highlight, desktop.color(QPalette::Highlight));
+  controls_.setColor(QPalette::HighlightedText, desktop.color(QPalette::HighlightedText));
+  controls_.setColor(QPalette::PlaceholderText, mixed(background, text, isStrong ? 1.0F : 0.66F));
   for (const auto role :
        {QPalette::WindowText, QPalette::Text, QPalette::ButtonText, QPalette::ToolTipText}) {
     controls_.setColor(role, text);
-    controls_.setColor(QPalette::Disabled, role, mixed(background, text, 0.45F));
+    controls_.setColor(QPalette::Disabled, role, mixed(background, text, isStrong ? 0.7F : 0.45F));
   }
+}
+
+QPalette switchPalette(const QPalette& controls) {
+  // Styles derive the frame from the window's colour, on which it is hardly seen.
+  QPalette palette = controls;
+  palette.setColor(QPalette::Window, controls.color(QPalette::Midlight));
+  return palette;
 }
 
 QPalette WindowPalette::withText(float strength) const {
@@ -46,8 +58,9 @@ QPalette WindowPalette::withText(float strength) const {
 
 QPalette WindowPalette::sidebar() const {
   QPalette palette = controls_;
-  palette.setColor(QPalette::Window, mixed(controls_.color(QPalette::Window),
-                                           controls_.color(QPalette::WindowText), 0.05F));
+  palette.setColor(QPalette::Window,
+                   mixed(controls_.color(QPalette::Window), controls_.color(QPalette::WindowText),
+                         hasMoreContrast() ? 0.0F : 0.05F));
   return palette;
 }
 

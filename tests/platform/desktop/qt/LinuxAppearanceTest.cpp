@@ -19,14 +19,18 @@ const auto colourScheme = QStringLiteral("color-scheme");
 
 class LinuxAppearanceTest : public testing::Test {
  protected:
-  std::function<void(bool)> recorder() {
-    return [this](bool isDark) { told_.push_back(isDark); };
+  LinuxAppearance::Changed recorder() {
+    return [this](const Appearance& now) {
+      told_.push_back(now.isDark);
+      contrasts_.push_back(now.hasMoreContrast);
+    };
   }
   bool waitForTold(std::size_t count) {
     return QTest::qWaitFor([&] { return told_.size() >= count; });
   }
 
   std::vector<bool> told_;
+  std::vector<bool> contrasts_;
 };
 
 TEST_F(LinuxAppearanceTest, readsTheColourSchemeAndFollowsItsChanges) {
@@ -42,6 +46,19 @@ TEST_F(LinuxAppearanceTest, readsTheColourSchemeAndFollowsItsChanges) {
   portal.change(appearanceGroup, colourScheme, 1);
   ASSERT_TRUE(waitForTold(3));
   EXPECT_THAT(told_, ElementsAre(true, false, true));
+}
+
+TEST_F(LinuxAppearanceTest, followsTheWishForMoreContrastByEitherKey) {
+  test::FakeSettingsPortal portal(0);
+  const LinuxAppearance appearance(recorder());
+  ASSERT_TRUE(waitForTold(1));
+  const auto gnome = QStringLiteral("org.gnome.desktop.a11y.interface");
+  portal.change(appearanceGroup, QStringLiteral("contrast"), 1);
+  portal.change(gnome, QStringLiteral("high-contrast"), 1);
+  portal.change(appearanceGroup, QStringLiteral("contrast"), 0);
+  portal.change(gnome, QStringLiteral("high-contrast"), 0);
+  ASSERT_TRUE(waitForTold(3));
+  EXPECT_THAT(contrasts_, ElementsAre(false, true, false));
 }
 
 TEST_F(LinuxAppearanceTest, noPreferenceIsLight) {

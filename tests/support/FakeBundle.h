@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -22,7 +23,7 @@ class FakeBundle final : public Bundle {
     return find(information, key);
   }
   std::string localizedString(const std::string& key) const override {
-    return find(translations, key).value_or(key);
+    return translate ? translate(key) : find(translations, key).value_or(key);
   }
   std::string groupIdentifier() const override { return group; }
   Account account() const override { return owner; }
@@ -36,6 +37,8 @@ class FakeBundle final : public Bundle {
   std::map<std::string, std::string> resources;
   std::map<std::string, std::string> information;
   std::map<std::string, std::string> translations;
+  /// Takes the place of `translations` where it is set.
+  std::function<std::string(const std::string&)> translate;
 
  private:
   static std::optional<std::string> find(const std::map<std::string, std::string>& entries,

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "foundation/Translatable.h"
+#include "settings/RuleRows.h"
 #include "settings/SettingsController.h"
 
 namespace tavrin {
@@ -35,9 +36,7 @@ std::size_t indexOf(RuleList list) {
 }
 
 bool isAlwaysOn(RuleList list, const PropertyList& record) {
-  if (list != RuleList::Others) return false;
-  const std::string action = record.stringForKey(record_field::action);
-  return std::find(alwaysOnActions.begin(), alwaysOnActions.end(), action) != alwaysOnActions.end();
+  return list == RuleList::Others && tavrin::isAlwaysOn(record);
 }
 
 bool hasSwitch(RuleList list, std::string_view field) {

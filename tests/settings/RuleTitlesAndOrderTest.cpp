@@ -151,11 +151,36 @@ TEST_F(RuleTitlesAndOrder, CountsTheIconsWhenACommandIsDragged) {
   }
 }
 
+TEST_F(RuleTitlesAndOrder, MovesARowToAPlaceAndSelectsItThere) {
+  show(RuleList::CustomIcon, rowsNamed({"i", "j"}));
+  for (const RuleList list : allLists) {
+    for (std::size_t from = 0; from < 3; ++from) {
+      for (std::size_t place = 0; place < 3; ++place) {
+        show(list, rowsNamed({"a", "b", "c"}));
+        std::vector<std::string> names{"a", "b", "c"};
+        const std::string moved = names[from];
+        names.erase(names.begin() + static_cast<std::ptrdiff_t>(from));
+        names.insert(names.begin() + static_cast<std::ptrdiff_t>(place), moved);
+        rules().moveRow(list, from, place);
+        EXPECT_EQ(namesOf(rules().rows(list)), names);
+        expectRows(list, rules().rows(list));
+        EXPECT_EQ(view.selectedRow(list), place);
+      }
+    }
+    const Rows before = rules().rows(list);
+    rules().moveRow(list, 0, 3);
+    rules().moveRow(list, 3, 0);
+    rules().moveRow(list, noRow, noRow);
+    expectRows(list, before);
+  }
+}
+
 TEST_F(RuleTitlesAndOrder, MovesNoService) {
   const Rows rows{command("Cut", 1), command("Translate by Google", 1), command("Paste", 1)};
   show(RuleList::Others, rows);
   select(RuleList::Others, 1);
   rules().acceptDrop(RuleList::Others, 1, 0);
+  rules().moveRow(RuleList::Others, 1, 0);
   EXPECT_EQ(stored("arrOfOthers"), PropertyList(rows));
   EXPECT_EQ(published("arrOfOthers"), PropertyList("(absent)"));
   EXPECT_EQ(view.selectedRow(RuleList::Others), 1U);

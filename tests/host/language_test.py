@@ -1,8 +1,12 @@
 """What the user reads and gets is in the language of the session."""
 
-from session import BUILD_DIR, HostTest, main, wait_until
+import configparser
+import unittest
+
+from session import APPLICATION_ID, BUILD_DIR, SOURCE_DIR, HostTest, main, wait_until
 
 LOCALES = BUILD_DIR / "tests" / "locales"
+LANGUAGES = (SOURCE_DIR / "resources/translations/LINGUAS").read_text().splitlines()[-1].split()
 
 
 class German(HostTest):
@@ -34,6 +38,21 @@ class German(HostTest):
         self.session.send("createNewFile", Path=str(folder), Tag=0)
         self.session.authorize()
         wait_until((folder / "untitled.txt").exists, "the new file")
+
+
+class DesktopEntry(unittest.TestCase):
+    def test_its_texts_are_in_every_language_and_its_name_in_none(self):
+        entry = configparser.ConfigParser(interpolation=None)
+        entry.optionxform = str
+        entry.read(BUILD_DIR / "share" / "applications" / f"{APPLICATION_ID}.desktop", "utf-8")
+        texts = [("Desktop Entry", key) for key in ("GenericName", "Comment", "Keywords")]
+        texts += [(group, "Name") for group in entry.sections() if group != "Desktop Entry"]
+        self.assertEqual(len(texts), 5)
+        for group, key in texts:
+            for language in LANGUAGES:
+                self.assertTrue(entry[group].get(f"{key}[{language}]"), (group, key, language))
+        self.assertEqual([key for key in entry["Desktop Entry"] if key.startswith("Name")],
+                         ["Name"])
 
 
 if __name__ == "__main__":

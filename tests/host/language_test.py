@@ -1,10 +1,12 @@
 """What the user reads and gets is in the language of the session."""
 
 import configparser
+import re
 import unittest
 
 from session import APPLICATION_ID, BUILD_DIR, SOURCE_DIR, HostTest, main, wait_until
 
+WATCHER = "org.kde.StatusNotifierWatcher"
 LOCALES = BUILD_DIR / "tests" / "locales"
 LANGUAGES = (SOURCE_DIR / "resources/translations/LINGUAS").read_text().splitlines()[-1].split()
 
@@ -22,6 +24,27 @@ class German(HostTest):
         wait_until((folder / "Unbenannt.txt").exists, "the new file")
         self.assertEqual(self.names_in(folder), ["Unbenannt.txt"])
         self.assert_alive(host)
+
+    def test_the_menu_of_the_status_item(self):
+        self.session.start_program(
+            ["/usr/bin/python3", "-m", "dbusmock", "--session", WATCHER, "/StatusNotifierWatcher",
+             WATCHER], log_name="watcher.log")
+        wait_until(lambda: self.session.owner_of(WATCHER), "the panel")
+        mock = "org.freedesktop.DBus.Mock."
+        for method, arguments in (
+                ("AddProperty", (WATCHER, "IsStatusNotifierHostRegistered", "<true>")),
+                ("AddMethod", (WATCHER, "RegisterStatusNotifierItem", "s", "", ""))):
+            self.session.call_bus("/StatusNotifierWatcher", mock + method, *arguments,
+                                  destination=WATCHER)
+        self.session.start_waiting_host()
+        registered = wait_until(lambda: re.search(
+            r'RegisterStatusNotifierItem "(\S+)"', self.session.log_of("watcher.log")),
+            "the status item")
+        item = registered.group(1)
+        menu = self.session.call_bus("/MenuBar", "com.canonical.dbusmenu.GetLayout", "0", "int32 -1",
+                                     "[]", destination=item)
+        self.assertIn("'Einstellungen\u00a0…'", menu)
+        self.assertIn("'Tavrin beenden'", menu)
 
     def test_a_language_before_the_one_of_the_locale(self):
         self.session.environment["LANGUAGE"] = "fr:de"

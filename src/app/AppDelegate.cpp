@@ -54,8 +54,7 @@ AppDelegate::AppDelegate(Platform& platform, const DefaultSettings& defaultSetti
 AppDelegate::~AppDelegate() = default;
 
 void AppDelegate::applicationWillFinishLaunching() {
-  observations_.push_back(platform_.distributedNotifications.addObserver(
-      appearanceChanged, [this] { darkModeChanged(); }));
+  followAppearance();
   observations_.push_back(standardUserDefaults_->observe(
       settings_key::hiddenIconInStatusBar,
       [this](const std::optional<PropertyList>&) { updateStatusBarItem(); }));
@@ -91,8 +90,12 @@ void AppDelegate::applicationWillTerminate() {
 
 void AppDelegate::delayedAfterLaunch() {
   if (prefswindow_ && prefswindow_->isVisible()) return;
-  if (!opened_) return openPreferences();
-  if (!settingsController_) settingsController().viewDidLoad();
+  if (!opened_) openPreferences();
+  if (prefswindow_ && prefswindow_->isOfOtherProcess()) {
+    settingsController().observeMirroredSwitches();
+  } else if (!settingsController_) {
+    settingsController().viewDidLoad();
+  }
 }
 
 void AppDelegate::receiveSleepNotification() {
@@ -100,7 +103,9 @@ void AppDelegate::receiveSleepNotification() {
 }
 
 void AppDelegate::openPreferences() {
-  preferencesWindow().makeKeyAndOrderFront();
+  PreferencesWindow& window = preferencesWindow();
+  window.makeKeyAndOrderFront();
+  if (window.isOfOtherProcess()) return;
   platform_.application.activateIgnoringOtherApps();
   const std::string textService =
       appendingPathComponent(platform_.bundle.builtInPlugInsPath(), textServiceBundle);
@@ -112,6 +117,7 @@ void AppDelegate::openPreferences() {
 PreferencesWindow& AppDelegate::preferencesWindow() {
   if (prefswindow_) return *prefswindow_;
   prefswindow_ = makePreferencesWindow_(*standardUserDefaults_, settingsController());
+  if (prefswindow_->isOfOtherProcess()) return *prefswindow_;
   prefswindow_->setMovableByWindowBackground(true);
   prefswindow_->setAuthorizeRootButtonState(isRootAuthorized());
   prefswindow_->setAuthorizeRootButtonAction([this] { authorizeRootButtonClick(); });
@@ -158,6 +164,11 @@ std::unique_ptr<StatusItem> AppDelegate::makeStatusItem() {
        {"", {}},
        {bundle.localizedString("Quit Tavrin"), [this] { platform_.application.terminate(); }}});
   return item;
+}
+
+void AppDelegate::followAppearance() {
+  observations_.push_back(platform_.distributedNotifications.addObserver(
+      appearanceChanged, [this] { darkModeChanged(); }));
 }
 
 void AppDelegate::darkModeChanged() {

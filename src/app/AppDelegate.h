@@ -62,6 +62,8 @@ class AppDelegate final : public ApplicationDelegate {
   void delayedAfterLaunch();
   /// Ends the process at once: the host never survives a sleep.
   void receiveSleepNotification();
+  /// Keeps the preferences window in the system's appearance.
+  void followAppearance();
   /// Gives the preferences window the background of the system's appearance.
   void darkModeChanged();
   /// Authorises the whole disk, or forgets every grant, after the check box has changed.

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "foundation/FileURL.h"
+#include "settings/PreferencesWindow.h"
 
 namespace tavrin {
 
@@ -18,6 +19,7 @@ std::optional<CommandLine::Mode> modeOfOption(std::string_view option) {
   if (option == "--help" || option == "-h") return CommandLine::Mode::Help;
   if (option == "--version") return CommandLine::Mode::Version;
   if (option == "--gapplication-service") return CommandLine::Mode::Service;
+  if (option == preferencesWindowOption) return CommandLine::Mode::PreferencesWindow;
   return std::nullopt;
 }
 

@@ -12,6 +12,8 @@ struct CommandLine {
     Run,
     /// Started by the session bus, which brings the request itself.
     Service,
+    /// Started by the host, to show the preferences window alone.
+    PreferencesWindow,
     Help,
     Version,
     /// `complaint` says what is wrong.

@@ -10,6 +10,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/CommandLine.h"
+#include "app/PreferencesDelegate.h"
 #include "platform/linux/AcceptedRequests.h"
 #include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/BusIntake.h"
@@ -17,10 +18,12 @@
 #include "platform/linux/Identity.h"
 #include "platform/linux/LinuxLog.h"
 #include "platform/linux/LinuxPlatform.h"
+#include "platform/linux/ParentPipe.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/TextTranslator.h"
 #include "settings/DefaultSettings.h"
 #include "settings/Seeding.h"
+#include "settings/window/PreferencesProcess.h"
 #include "settings/window/QtPreferencesWindow.h"
 
 namespace tavrin {
@@ -55,6 +58,7 @@ std::optional<int> answerCommandLine(const CommandLine& commandLine, Log& log) {
       return usageError;
     case CommandLine::Mode::Run:
     case CommandLine::Mode::Service:
+    case CommandLine::Mode::PreferencesWindow:
       break;
   }
   return std::nullopt;
@@ -75,18 +79,22 @@ void seedStores(Platform& platform, const DefaultSettings& defaultSettings) {
   seedSettings(defaultSettings, *standard, *sharedSuite);
 }
 
-int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
-            TerminationSignals& signalsToEnd, Log& log) {
+void nameApplication() {
   QCoreApplication::setApplicationName(QString::fromUtf8(identity::displayName));
   QCoreApplication::setApplicationVersion(QString::fromUtf8(identity::version));
   QCoreApplication::setOrganizationName(QString::fromUtf8(identity::applicationId));
   QGuiApplication::setDesktopFileName(QString::fromUtf8(identity::applicationId));
+}
+
+int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
+            TerminationSignals& signalsToEnd, Log& log) {
+  nameApplication();
   int argumentCount = 1;
   char* arguments[] = {programName, nullptr};
   const QApplication application(argumentCount, arguments);
+  translateWindows();
 
   LinuxPlatform linuxPlatform(accepted, intake, signalsToEnd, log);
-  translateWindows();
   Platform& platform = linuxPlatform.services();
   const auto defaultSettings =
       DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);
@@ -95,12 +103,39 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
   linuxPlatform.setSettingsLost(seed);
   linuxPlatform.clearLeftoversSoon();
 
-  AppDelegate delegate(
-      platform, defaultSettings,
-      [&platform](UserDefaults& standardUserDefaults, SettingsController& settings) {
-        ensureApplicationIcon();
-        return std::make_unique<QtPreferencesWindow>(platform, standardUserDefaults, settings);
-      });
+  AppDelegate delegate(platform, defaultSettings, [&platform](UserDefaults&, SettingsController&) {
+    return std::make_unique<PreferencesProcess>(platform);
+  });
+  platform.application.setDelegate(&delegate);
+  return platform.application.run();
+}
+
+/// Shows the preferences window for the host, as it asks by standard input.
+int runPreferencesWindow(char* programName, Log& log) {
+  AcceptedRequests accepted;
+  BusIntake noIntake(accepted, log);
+  TerminationSignals signalsToEnd;
+  nameApplication();
+  int argumentCount = 1;
+  char* arguments[] = {programName, nullptr};
+  const QApplication application(argumentCount, arguments);
+  translateWindows();
+  ensureApplicationIcon();
+
+  LinuxPlatform linuxPlatform(accepted, noIntake, signalsToEnd, log);
+  Platform& platform = linuxPlatform.services();
+  const auto defaultSettings =
+      DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);
+  AppDelegate host(platform, defaultSettings,
+                   [&platform](UserDefaults& standardUserDefaults, SettingsController& settings) {
+                     return std::make_unique<QtPreferencesWindow>(platform, standardUserDefaults,
+                                                                  settings);
+                   });
+  PreferencesDelegate delegate(host, [] {
+    std::fputs(PreferencesProcess::showLine, stdout);
+    std::fflush(stdout);
+  });
+  const ParentPipe wishes(accepted);
   platform.application.setDelegate(&delegate);
   return platform.application.run();
 }
@@ -115,6 +150,9 @@ int start(int argumentCount, char** arguments) {
   // The notices of the buses come by GLib's loop, which Qt then has to run.
   ::unsetenv("QT_NO_GLIB");  // NOLINT(concurrency-mt-unsafe): no thread runs yet
 
+  if (commandLine.mode == CommandLine::Mode::PreferencesWindow) {
+    return runPreferencesWindow(arguments[0], log);
+  }
   AcceptedRequests accepted;
   BusIntake intake(accepted, log);
   const BusIntake::Outcome outcome = intake.start(launchOf(commandLine));

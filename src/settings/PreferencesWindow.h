@@ -10,10 +10,17 @@ namespace tavrin {
 
 class SettingsController;
 
+/// The option by which the program shows the window alone, in a process for it.
+inline constexpr const char* preferencesWindowOption = "--preferences-window";
+
 /// The window in which the user edits the settings, as the application sees it. Made when it is
 /// needed and gone once it is closed; used on the main thread.
 class PreferencesWindow : public Window {
  public:
+  /// Whether another process shows the window; it then does all that is done with it, and its
+  /// settings are this one's by their store.
+  virtual bool isOfOtherProcess() const { return false; }
+
   /// Whether a drag that begins on the window's background moves the window.
   virtual void setMovableByWindowBackground(bool flag) = 0;
 

@@ -52,9 +52,17 @@ void paintPicture(QPainter& painter, const QStyleOptionViewItem& option, const Q
   painter.drawPixmap(room, pixmap);
 }
 
+bool isClick(const QEvent& event) {
+  return event.type() == QEvent::MouseButtonRelease || event.type() == QEvent::MouseButtonDblClick;
+}
+
+bool isMouseEvent(const QEvent& event) {
+  return event.type() == QEvent::MouseButtonPress || isClick(event);
+}
+
 /// Whether an event is a click on the switch or a press of the key for it.
 bool isToggle(const QEvent& event, const QStyleOptionViewItem& option) {
-  if (event.type() == QEvent::MouseButtonRelease) {
+  if (isClick(event)) {
     const auto& mouse = static_cast<const QMouseEvent&>(event);
     return mouse.button() == Qt::LeftButton &&
            switchRect(option).adjusted(-4, -4, 4, 4).contains(mouse.position().toPoint());
@@ -106,7 +114,11 @@ bool RuleCellDelegate::editorEvent(QEvent* event, QAbstractItemModel* model,
                                    const QStyleOptionViewItem& option, const QModelIndex& index) {
   const QVariant state = index.data(Qt::CheckStateRole);
   if (!state.isValid()) return QStyledItemDelegate::editorEvent(event, model, option, index);
-  if (!(index.flags() & Qt::ItemIsUserCheckable) || !isToggle(*event, option)) return false;
+  if (!(index.flags() & Qt::ItemIsUserCheckable)) return false;
+  // The release that ends a double click is the same click; not every Qt hands it on.
+  const bool endsDoubleClick = event->type() == QEvent::MouseButtonRelease && isDoubleClick_;
+  if (isMouseEvent(*event)) isDoubleClick_ = event->type() == QEvent::MouseButtonDblClick;
+  if (endsDoubleClick || !isToggle(*event, option)) return endsDoubleClick;
   const bool isOn = state.toInt() == Qt::Checked;
   return model->setData(index, isOn ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }

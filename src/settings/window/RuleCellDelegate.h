@@ -19,6 +19,9 @@ class RuleCellDelegate final : public QStyledItemDelegate {
  protected:
   bool editorEvent(QEvent* event, QAbstractItemModel* model, const QStyleOptionViewItem& option,
                    const QModelIndex& index) override;
+
+ private:
+  bool isDoubleClick_ = false;
 };
 
 }  // namespace tavrin

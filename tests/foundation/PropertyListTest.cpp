@@ -27,6 +27,19 @@ TEST(PropertyList, ReadsBooleansAsThePlatformDoes) {
   }
 }
 
+TEST(PropertyList, CopiesShareTheirDataAndCompareItsBytes) {
+  const PropertyList list = PropertyList::Array{PropertyList::Data{1, 2, 3}, "text"};
+  const PropertyList copy = list;
+  const PropertyList& data = list.arrayIfArray()->front();
+  EXPECT_EQ(copy.arrayIfArray()->front().dataIfData(), data.dataIfData());
+  EXPECT_EQ(data.sharedDataIfData().get(), data.dataIfData());
+  EXPECT_EQ(data, PropertyList(PropertyList::Data{1, 2, 3}));
+  EXPECT_FALSE(data == PropertyList(PropertyList::Data{1, 2}));
+  EXPECT_EQ(list.arrayIfArray()->back().sharedDataIfData(), nullptr);
+  EXPECT_EQ(PropertyList(std::shared_ptr<const PropertyList::Data>()),
+            PropertyList(PropertyList::Data()));
+}
+
 TEST(PropertyList, ReadsIntegersFromNumbersAndStrings) {
   const std::vector<std::pair<PropertyList, std::int64_t>> cases = {
       {7, 7},

@@ -119,9 +119,10 @@ void installViewer(const std::string& applications, const std::string& notes) {
   test::writeFile(program, "#!/bin/sh\nprintf '%s\\n' \"$@\" >> '" + notes + "'\n");
   test::writeFile(applications + "/viewer.desktop",
                   "[Desktop Entry]\nType=Application\nName=Viewer\nExec=" + program +
-                      " %U\nMimeType=inode/directory;\n");
+                      " %U\nMimeType=inode/directory;x-scheme-handler/tavrintest;\n");
   test::writeFile(applications + "/mimeapps.list",
-                  "[Default Applications]\ninode/directory=viewer.desktop\n");
+                  "[Default Applications]\ninode/directory=viewer.desktop\n"
+                  "x-scheme-handler/tavrintest=viewer.desktop\n");
 }
 
 class WorkspaceTest : public testing::Test {
@@ -182,6 +183,19 @@ TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus
   EXPECT_THAT(log_.lines(),
               ElementsAre(HasSubstr("shows /no such folder: no session bus; open /no such folder: "
                                     "No such file")));
+}
+
+TEST_F(WorkspaceTest, opensAUrlInTheApplicationOfItsScheme) {
+  installViewer(std::string(g_get_user_data_dir()) + "/applications", folder_ / "notes");
+  LinuxWorkspace workspace(nullptr, applications_, nullptr, log_);
+  const std::string url = "tavrintest://host/a%20b?x=1&y='$(id)'#end";
+  workspace.openURL(url);
+  EXPECT_TRUE(test::waitUntil([&] { return !noteOf("notes").empty(); }));
+  EXPECT_THAT(test::linesOf(noteOf("notes")), ElementsAre(url));
+  EXPECT_THAT(log_.lines(), IsEmpty());
+  for (const char* bad : {"", "no url", "--help", "tavrinunknown:x"}) workspace.openURL(bad);
+  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("Invalid argument"), HasSubstr("no url"),
+                                        HasSubstr("--help"), HasSubstr("tavrinunknown:x")));
 }
 
 TEST_F(WorkspaceTest, saysThatAFileCannotBeOpened) {

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -71,6 +72,34 @@ TEST_F(LinuxShellTest, RunsAScriptByTheStandardShellAndTellsItsStatus) {
   EXPECT_EQ(run("no-such-program 2>/dev/null"), 127);
   EXPECT_EQ(outputOf("echo one|tr o 0; echo $0"), "0ne\nsh\n");
   EXPECT_TRUE(log_.lines().empty()) << log_.lines().front();
+}
+
+TEST_F(LinuxShellTest, TheOutputOfACommandIsReadToItsEnd) {
+  EXPECT_EQ(shell_.outputOfCommand("printf 'a\\0b\\n'; echo no >/dev/null; cat; exit 3"),
+            std::string("a\0b\n", 4));
+  EXPECT_EQ(shell_.outputOfCommand("head -c 300000 /dev/zero").size(), 300000U);
+  EXPECT_EQ(shell_.outputOfCommand("echo x > " + outside() + "/made; cat " + outside() + "/made"),
+            "x\n");
+  EXPECT_EQ(shell_.outputOfCommand("no-such-program 2>/dev/null"), "");
+  EXPECT_TRUE(log_.lines().empty());
+  EXPECT_EQ(shell_.outputOfCommand(std::string("echo a\0b", 8)), "");
+  EXPECT_EQ(log_.lines().size(), 1U);
+}
+
+TEST_F(LinuxShellTest, ACommandThatGoesOnWithoutOutputIsNotWaitedForAndLeavesNoZombie) {
+  const std::string fifo = scratch_ / "gate";
+  ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+  // Ends when the gate is opened for writing.
+  EXPECT_EQ(shell_.outputOfCommand("echo a; exec >/dev/null; cat " + fifo), "a\n");
+  siginfo_t none;
+  EXPECT_EQ(::waitid(P_ALL, 0, &none, WEXITED | WNOHANG | WNOWAIT), 0);
+  ::close(::open(fifo.c_str(), O_WRONLY));
+  int left = 0;
+  for (int time = 0; left == 0 && time < 20'000; ++time) {
+    ::usleep(1000);
+    left = ::waitid(P_ALL, 0, &none, WEXITED | WNOHANG | WNOWAIT);
+  }
+  EXPECT_EQ(left, -1);
 }
 
 TEST_F(LinuxShellTest, TheScriptWorksBelowItsFolder) {

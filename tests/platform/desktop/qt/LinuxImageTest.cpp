@@ -94,6 +94,59 @@ TEST_F(LinuxImageTest, readsTheFormatsOfIcons) {
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
+TEST_F(LinuxImageTest, tellsTheSizeThatThePictureHas) {
+  const std::vector<std::pair<PropertyList::Data, ImageSize>> files = {
+      {written(redPicture(30, 20), "png"), {30, 20}},
+      {written(redPicture(30, 20), "tiff"), {30, 20}},
+      {written(redPicture(128, 128), "icns"), {128, 128}},
+      {converted({"-size", "30x20", "xc:red", "-orient", "RightTop"}, "a.tiff"), {20, 30}},
+      {converted({"-size", "16x16", "xc:red", "-size", "48x32", "xc:red"}, "a.tiff"), {48, 32}},
+      {bytesOf("<svg xmlns='http://www.w3.org/2000/svg' width='10' height='5'/>"), {512, 256}},
+  };
+  for (const auto& [data, size] : files) {
+    const auto image = provider_.imageWithData(data);
+    ASSERT_TRUE(image);
+    EXPECT_EQ((ImageSize{image->width(), image->height()}), size);
+    EXPECT_EQ(provider_.sizeOfImageWithData(data), size) << size.width;
+  }
+  EXPECT_FALSE(provider_.sizeOfImageWithData(bytesOf("text")));
+  EXPECT_FALSE(provider_.sizeOfImageWithData({}));
+}
+
+TEST_F(LinuxImageTest, readsNoMoreThanTheHeaderForTheSize) {
+  PropertyList::Data data = written(redPicture(300, 200), "png");
+  data.resize(data.size() / 2);
+  EXPECT_EQ(provider_.sizeOfImageWithData(data), (ImageSize{300, 200}));
+  EXPECT_FALSE(provider_.imageWithData(data));
+}
+
+TEST_F(LinuxImageTest, theTiffFileHasEveryPixelAndIsCompressed) {
+  QImage picture(200, 100, QImage::Format_RGBA8888);
+  for (int y = 0; y < 100; ++y) {
+    for (int x = 0; x < 200; ++x) picture.setPixel(x, y, qRgba(x / 8, y, 77, 255 - y));
+  }
+  const auto image = provider_.imageWithData(written(picture, "png"));
+  const auto tiff = image->tiffRepresentation();
+  ASSERT_TRUE(tiff);
+  EXPECT_EQ(tiff.value(), image->tiffRepresentation().value());
+  EXPECT_LT(tiff.value().size(), 200U * 100U * 4U * 2U / 3U);
+  const test::TemporaryFolder folder;
+  test::writeFile(folder / "a.tiff", std::string(tiff.value().begin(), tiff.value().end()));
+  const PropertyList::Data pixels = converted({folder / "a.tiff", "-depth", "8"}, "a.rgba");
+  EXPECT_EQ(pixels,
+            PropertyList::Data(picture.constBits(), picture.constBits() + picture.sizeInBytes()));
+}
+
+TEST_F(LinuxImageTest, readsAFileAndTellsWhyThereIsNone) {
+  const PropertyList::Data png = written(redPicture(8, 8), "png");
+  fileManager_.addFile("/picture.png", std::string(png.begin(), png.end()));
+  const auto image = provider_.imageWithContentsOfFile("/picture.png");
+  ASSERT_TRUE(image);
+  EXPECT_EQ(image->width(), 8);
+  EXPECT_FALSE(provider_.imageWithContentsOfFile("/missing.png"));
+  EXPECT_THAT(log_.lines(), testing::ElementsAre(HasSubstr("/missing.png")));
+}
+
 TEST_F(LinuxImageTest, takesTheLargestOfSeveralPictures) {
   const auto data = converted(
       {"-size", "16x16", "xc:blue", "-size", "48x48", "xc:red", "-size", "32x32", "xc:blue"},

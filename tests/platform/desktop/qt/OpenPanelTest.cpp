@@ -129,6 +129,25 @@ TEST_F(OpenPanelTest, confirmButtonPicksTheSelectedFolderAndReturnGoesIntoIt) {
   EXPECT_THAT(picked(), ElementsAre(folder_ / "wanted/inner"));
 }
 
+TEST_F(OpenPanelTest, filesOfOtherTypesCannotBePickedAndFoldersStayOpen) {
+  for (const char* name : {"wanted/icon.PNG", "wanted/notes.txt", "wanted/png"}) {
+    test::writeFile(folder_ / name, "x");
+  }
+  options_.rules = {true, false, nullptr, {"tiff", "png"}};
+  showPanel();
+  doubleClick("wanted");
+  EXPECT_EQ(shownFolder(), folder_ / "wanted");
+  for (const char* name : {"notes.txt", "png"}) {
+    doubleClick(name);
+    EXPECT_FALSE(list().selectionModel()->hasSelection()) << name;
+    type(folder_ / "wanted/" + name);
+    EXPECT_FALSE(promptButton().isEnabled()) << name;
+  }
+  doubleClick("icon.PNG");
+  EXPECT_FALSE(isOpen());
+  EXPECT_THAT(picked(), ElementsAre(folder_ / "wanted/icon.PNG"));
+}
+
 TEST_F(OpenPanelTest, refusedRowsCannotBeSelectedOrEnteredByMouse) {
   allowOnly("wanted");
   showPanel();

@@ -4,6 +4,7 @@ import configparser
 import re
 import unittest
 
+from preferences import PreferencesTest
 from session import APPLICATION_ID, BUILD_DIR, SOURCE_DIR, HostTest, main, wait_until
 
 WATCHER = "org.kde.StatusNotifierWatcher"
@@ -61,6 +62,19 @@ class German(HostTest):
         self.session.send("createNewFile", Path=str(folder), Tag=0)
         self.session.authorize()
         wait_until((folder / "untitled.txt").exists, "the new file")
+
+
+class GermanWindow(PreferencesTest):
+    opens_window = False
+
+    def test_the_window_its_lists_and_its_panels(self):
+        self.session.environment |= {"LANG": "de_DE.UTF-8", "LOCPATH": str(LOCALES)}
+        self.open_window()
+        self.show_page("Weitere Befehle")
+        self.assertEqual(self.texts("Name")[:2], ["Ausschneiden", "Einfügen"])
+        self.show_page("Neue Dateien")
+        self.press_button("Hinzufügen\u00a0…")
+        self.session.cancel("^Öffnen$")
 
 
 class DesktopEntry(unittest.TestCase):

@@ -10,7 +10,7 @@
 namespace tavrin {
 
 LinuxBundle::LinuxBundle() : programFolder_(programDirectory()), account_(currentAccount()) {
-  bindTextTable(standardizingPath(appendingPathComponent(programFolder_, identity::localeFolder)));
+  bindInstalledTextTable();
 }
 
 std::string LinuxBundle::bundlePath() const {

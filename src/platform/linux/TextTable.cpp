@@ -4,13 +4,20 @@
 
 #include <string_view>
 
+#include "foundation/PathString.h"
 #include "platform/linux/Identity.h"
+#include "platform/linux/LinuxDirectories.h"
 
 namespace tavrin {
 
 void bindTextTable(const std::string& localeFolder) {
   ::bindtextdomain(identity::textDomain, localeFolder.c_str());
   ::bind_textdomain_codeset(identity::textDomain, "UTF-8");
+}
+
+void bindInstalledTextTable() {
+  bindTextTable(
+      standardizingPath(appendingPathComponent(programDirectory(), identity::localeFolder)));
 }
 
 std::string translatedText(const std::string& key) {

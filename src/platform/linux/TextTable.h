@@ -12,6 +12,9 @@ namespace tavrin {
 /// <language>/LC_MESSAGES/tavrin.mo. Once, before the first text is asked for.
 void bindTextTable(const std::string& localeFolder);
 
+/// The same for the tables that are installed with the running program.
+void bindInstalledTextTable();
+
 /// The text in the user's language, in UTF-8; `key`, the English wording, when there is none.
 std::string translatedText(const std::string& key);
 

@@ -36,6 +36,7 @@ QString TextTranslator::translate(const char* /*context*/, const char* sourceTex
 }
 
 void translateWindows() {
+  bindInstalledTextTable();
   const QString language = QString::fromStdString(textLanguage());
   if (!language.isEmpty()) installTranslators(language);
   QGuiApplication::setLayoutDirection(

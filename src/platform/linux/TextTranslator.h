@@ -16,8 +16,8 @@ class TextTranslator final : public QTranslator {
 };
 
 /// Lets windows speak the user's language and be laid out in the direction it is read in. Qt's own
-/// texts follow where Qt's translations are installed. Call with the application made and the table
-/// bound, before the first window; windows in English cost no translator.
+/// texts follow where Qt's translations are installed. Call with the application made, before the
+/// first window; windows in English cost no translator.
 void translateWindows();
 
 }  // namespace tavrin

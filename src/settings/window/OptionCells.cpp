@@ -18,10 +18,18 @@ void OptionCells::setControl(const std::string& action, QWidget& control) {
 }
 
 bool OptionCells::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::FocusIn) reveal(*static_cast<QWidget*>(watched));
   // The wheel scrolls the table and does not choose on the way.
   if (event->type() != QEvent::Wheel) return QObject::eventFilter(watched, event);
   event->ignore();
   return true;
+}
+
+/// The Tab key reaches the controls of rows that are scrolled out of sight, too.
+void OptionCells::reveal(const QWidget& control) {
+  const QPoint place = control.mapTo(table_.viewport(), control.rect().center());
+  const QModelIndex row = table_.model()->index(table_.rowAt(place.y()), 0);
+  if (row.isValid()) table_.scrollTo(row);
 }
 
 void OptionCells::clear() {
@@ -33,6 +41,7 @@ void OptionCells::place() {
   QAbstractItemModel& model = *table_.model();
   const auto& rules = static_cast<const RuleTableModel&>(model);
   const int column = rules.columnWithIdentifier("Option");
+  QWidget* previous = &table_;
   for (int row = 0; row < model.rowCount(); ++row) {
     const QModelIndex index = model.index(row, column);
     const auto found =
@@ -49,6 +58,8 @@ void OptionCells::place() {
     if (!fills) layout->addStretch();
     found->second->show();
     table_.setIndexWidget(index, cell);
+    QWidget::setTabOrder(previous, found->second);
+    previous = found->second;
   }
 }
 

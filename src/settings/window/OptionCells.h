@@ -28,6 +28,7 @@ class OptionCells final : public QObject {
 
  private:
   void clear();
+  void reveal(const QWidget& control);
 
   QWidget& shelf_;
   RuleTableView& table_;

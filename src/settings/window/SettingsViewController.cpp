@@ -486,6 +486,8 @@ void SettingsViewController::makeOptions() {
   for (const auto& [action, popUp, checkBox, checkedChoice] : optionOutlets) {
     const RowOption& option = *optionOfAction(action);
     for (const char* choice : option.choices) popUp->addItem(localized(choice));
+    // The name of a pop-up is its choice here, whatever it is given.
+    popUp->setAccessibleDescription(popUp->accessibleName());
     bindings_.bind(*popUp, option);
     bindings_.bind(*checkBox, option, checkedChoice);
     options_.setControl(action, *popUp);

@@ -34,7 +34,7 @@ QPixmap pixmapOf(const std::string& path, int side) {
   const QIcon icon = folder ? iconOfFolder(path)
                             : PanelIcons::themeIconOfName(displayName(lastPathComponent(path)));
   // Without the display's scale: the side is in pixels.
-  const QPixmap pixmap = icon.pixmap(QSize(side, side), 1.0);
+  QPixmap pixmap = icon.pixmap(QSize(side, side), 1.0);
   if (!pixmap.isNull()) return pixmap;
   return PanelIcons::drawing(folder ? PanelIcons::Symbol::Folder : PanelIcons::Symbol::Document,
                              side);

@@ -152,7 +152,10 @@ bool RuleTableView::toggleRow() {
 
 void RuleTableView::contextMenuEvent(QContextMenuEvent* event) {
   const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
-  const int row = isByKey ? selectedRow() : rowAt(viewport()->mapFrom(this, event->pos()).y());
+  // The position is the viewport's, or the table's when it comes from the header.
+  const QPoint place = viewport()->mapFromGlobal(event->globalPos());
+  if (!isByKey && !viewport()->rect().contains(place)) return;
+  const int row = isByKey ? selectedRow() : rowAt(place.y());
   if (row < 0) return;
   const QPoint below = visualRect(model()->index(row, ruleModel_->titleColumn())).bottomLeft();
   Q_EMIT rowMenuRequested(row, isByKey ? viewport()->mapToGlobal(below) : event->globalPos());

@@ -2,6 +2,8 @@
 
 #include <QEvent>
 #include <QHBoxLayout>
+#include <utility>
+#include <vector>
 
 #include "settings/window/RuleTableModel.h"
 #include "settings/window/RuleTableView.h"
@@ -41,7 +43,7 @@ void OptionCells::place() {
   QAbstractItemModel& model = *table_.model();
   const auto& rules = static_cast<const RuleTableModel&>(model);
   const int column = rules.columnWithIdentifier("Option");
-  QWidget* previous = &table_;
+  std::vector<QWidget*> placed;
   for (int row = 0; row < model.rowCount(); ++row) {
     const QModelIndex index = model.index(row, column);
     const auto found =
@@ -58,9 +60,12 @@ void OptionCells::place() {
     if (!fills) layout->addStretch();
     found->second->show();
     table_.setIndexWidget(index, cell);
-    QWidget::setTabOrder(previous, found->second);
-    previous = found->second;
+    // Of several rows with the same command the last one gets the control.
+    std::erase(placed, found->second);
+    placed.push_back(found->second);
   }
+  QWidget* previous = &table_;
+  for (QWidget* control : placed) QWidget::setTabOrder(std::exchange(previous, control), control);
 }
 
 }  // namespace tavrin

@@ -137,7 +137,6 @@ class SettingsViewController final : public QObject, public SettingsView {
 
   Ui::PreferencesWindow& outlets_;
   Platform& platform_;
-  UserDefaults& standardUserDefaults_;
   SettingsController& settings_;
   RuleRows rows_;
   RowIcons icons_;

@@ -153,3 +153,31 @@ def open_accessibility_bus(session_bus_address):
 def programs_on(bus):
     """The programs that show something."""
     return Accessible(bus, ACCESSIBILITY + "Registry", ROOT).children
+
+
+class FocusWatch:
+    """Knows the object that has the keyboard, as programs tell it; a table's cell or an editor in
+    it is one too. To be made before the focus moves.
+    """
+
+    def __init__(self, bus):
+        self._bus = bus
+        self._focused = None
+        bus.call_sync(ACCESSIBILITY + "Registry", "/org/a11y/atspi/registry",
+                      ACCESSIBILITY + "Registry", "RegisterEvent",
+                      GLib.Variant("(s)", ("object:state-changed:focused",)), None,
+                      Gio.DBusCallFlags.NONE, CALL_MILLISECONDS, None)
+        bus.signal_subscribe(None, ACCESSIBILITY + "Event.Object", "StateChanged", None, None,
+                             Gio.DBusSignalFlags.NONE, self._changed)
+
+    def _changed(self, _bus, sender, path, _interface, _signal, parameters):
+        state, is_set = parameters.unpack()[:2]
+        if state == "focused" and is_set:
+            self._focused = Accessible(self._bus, sender, path)
+
+    @property
+    def focused(self):
+        """What got the keyboard last; None before anything did."""
+        while GLib.MainContext.default().iteration(False):
+            pass
+        return self._focused

@@ -72,6 +72,7 @@ class PreferencesTest(HostTest):
         self.bus = accessible.open_accessibility_bus(
             self.session.environment["DBUS_SESSION_BUS_ADDRESS"])
         self.addCleanup(self.bus.close_sync, None)
+        self.focus = accessible.FocusWatch(self.bus)
         self.home = self.session.folder / "home"
         self.templates = self.session.data / GROUP / "Templates" / "CreateNewFile"
         if self.opens_window:
@@ -133,6 +134,18 @@ class PreferencesTest(HostTest):
     def click_at(self, x, y, count=1, button=1):
         self.session.run("xdotool", "mousemove", str(x), str(y), "click", "--repeat", str(count),
                          "--delay", "60", str(button))
+
+    def focus_by(self, *keys):
+        """Presses keys and waits until something else has the keyboard; returns it."""
+        before = self.focus.focused
+        self.session.key(*keys)
+        return wait_until(lambda: self.focus.focused != before and self.focus.focused,
+                          f"{keys} to move the focus from {before}")
+
+    def wait_for_focus(self, *roles):
+        """Waits until an object of one of the roles has got the keyboard."""
+        wait_until(lambda: self.attempt(lambda: self.focus.focused.role) in roles,
+                   f"the focus in a {roles}")
 
     def press_button(self, name):
         self.press(self.find("push button", name))
@@ -217,7 +230,9 @@ class PreferencesTest(HostTest):
 
     def drag(self, row, place):
         """Drags a row with the mouse to a place of the screen."""
-        start = self.reveal(row, "Name").middle
+        left, top, width, height = self.reveal(row, "Name").extents
+        # Elsewhere than a click before, which together would be a double click.
+        start = (left + width * 3 // 4, top + height // 2)
         self.session.run("xdotool", "mousemove", *map(str, start), "mousedown", "1")
         self.wait_for_state(self.cell(row, "Name"), "selected")
         steps = [(start[0] + step, start[1] + step) for step in (4, 8, 16, 24)]

@@ -77,8 +77,9 @@ class Session:
     the host is to prompt for its extension, its user has seen that prompt.
     """
 
-    def __init__(self, file_metadata=False, prompts_for_extension=False):
+    def __init__(self, file_metadata=False, prompts_for_extension=False, screen="1280x900"):
         self._file_metadata = file_metadata
+        self._screen = screen
         self._prompts_for_extension = prompts_for_extension
         self._cleanup = contextlib.ExitStack()
         self.hosts = []
@@ -169,7 +170,7 @@ class Session:
 
     def _start_display(self):
         read_end, write_end = os.pipe()
-        self.start_program(["Xvfb", "-displayfd", str(write_end), "-screen", "0", "1280x900x24",
+        self.start_program(["Xvfb", "-displayfd", str(write_end), "-screen", "0", f"{self._screen}x24",
                             "-nolisten", "tcp", "-noreset"],
                            pass_fds=[write_end], log_name="xvfb.log")
         os.close(write_end)

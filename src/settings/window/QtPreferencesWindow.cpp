@@ -67,6 +67,11 @@ void QtPreferencesWindow::fillTexts(const Bundle& bundle) {
   ui_->iconLabel->setPixmap(
       QApplication::windowIcon().pixmap(QSize(headIconSize, headIconSize), devicePixelRatioF()));
   ui_->authorizeRootButton->setAccessibleDescription(ui_->authorizeRootNote->text());
+  if (!isRightToLeft()) return;
+  // A label else stands where its own language begins, apart from what is around it.
+  for (QLabel* label : ui_->content->findChildren<QLabel*>()) {
+    label->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
+  }
 }
 
 void QtPreferencesWindow::makeKeyAndOrderFront() {

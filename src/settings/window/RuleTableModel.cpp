@@ -12,6 +12,14 @@ QVariant alignment(bool isCentred) {
   return QVariant(Qt::AlignVCenter | (isCentred ? Qt::AlignHCenter : Qt::AlignLeading));
 }
 
+/// Paths and sizes read from left to right whatever surrounds them (Unicode's isolates).
+QString shownText(const RuleCell& cell) {
+  const QString text = QString::fromStdString(cell.text);
+  const bool isTitle = !cell.editingIdentifier.empty();
+  if (isTitle || text.isEmpty() || !QGuiApplication::isRightToLeft()) return text;
+  return QChar(0x2066) + text + QChar(0x2069);
+}
+
 }  // namespace
 
 RuleTableModel::RuleTableModel(RuleList list, Platform& platform, RuleListEditing& editing,
@@ -84,8 +92,9 @@ QVariant RuleTableModel::data(const QModelIndex& index, int role) const {
   const RuleCell cell = this->cell(index);
   switch (role) {
     case Qt::DisplayRole:
+      return cell.isOn || cell.iconSide > 0 ? QVariant() : shownText(cell);
     case Qt::EditRole:
-      return cell.isOn || cell.iconSide > 0 ? QVariant() : QString::fromStdString(cell.text);
+      return QString::fromStdString(cell.text);
     case Qt::CheckStateRole:
       return cell.isOn ? QVariant(*cell.isOn ? Qt::Checked : Qt::Unchecked) : QVariant();
     case IsLockedRole:

@@ -17,11 +17,11 @@ class HostFixture : public testing::Test {
  protected:
   /// Makes the host and goes through its launch, up to but without its delayed step.
   AppDelegate& launch() {
-    host_ = std::make_unique<AppDelegate>(
-        system_.platform, defaults_, [this](UserDefaults&, SettingsController& settings) {
-          settings.viewDidLoad();
-          return std::make_unique<FakePreferencesWindow>(window_);
-        });
+    host_ = std::make_unique<AppDelegate>(system_.platform, defaults_,
+                                          [this](UserDefaults&, SettingsController& settings) {
+                                            settings.viewDidLoad();
+                                            return std::make_unique<FakePreferencesWindow>(window_);
+                                          });
     host_->applicationWillFinishLaunching();
     host_->applicationDidFinishLaunching();
     return *host_;

@@ -135,7 +135,7 @@ RuleCell RuleRows::tableViewForCreateNewFile(std::string_view column,
   if (column == "Enable") return switchCell(record, record_field::enable);
   if (column == "EnableMainMenu") return switchCell(record, record_field::enableMainMenu);
   if (column != "NewFileIcon") return {};
-  const std::string title = record.stringForKey(record_field::displayName);
+  std::string title = record.stringForKey(record_field::displayName);
   return iconCell(
       row_icon::ImageFile{appendingPathComponent(templatesFolder_, extension + ".png"),
                           appendingPathComponent(templatesFolder_, title + "." + extension)},
@@ -198,13 +198,13 @@ RuleCell RuleRows::tableViewForOthers(std::string_view column, const PropertyLis
 }
 
 std::string RuleRows::titleOf(const PropertyList& record, const char* modifiedField) const {
-  const std::string title = record.stringForKey(record_field::displayName);
+  std::string title = record.stringForKey(record_field::displayName);
   if (record.boolForKey(modifiedField)) return title;
   return platform_.bundle.localizedString(title);
 }
 
 std::string RuleRows::folderTitleOf(const PropertyList& record) const {
-  const std::string title = record.stringForKey(record_field::displayName);
+  std::string title = record.stringForKey(record_field::displayName);
   if (!title.empty()) return title;
   return displayNameOfFolder(
       expandingHome(record.stringForKey(record_field::realPath), homePath_), homePath_,

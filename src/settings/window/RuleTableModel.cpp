@@ -14,7 +14,7 @@ QVariant alignment(bool isCentred) {
 
 /// Paths and sizes read from left to right whatever surrounds them (Unicode's isolates).
 QString shownText(const RuleCell& cell) {
-  const QString text = QString::fromStdString(cell.text);
+  QString text = QString::fromStdString(cell.text);
   const bool isTitle = !cell.editingIdentifier.empty();
   if (isTitle || text.isEmpty() || !QGuiApplication::isRightToLeft()) return text;
   return QChar(0x2066) + text + QChar(0x2069);
@@ -80,7 +80,7 @@ QString RuleTableModel::localized(const char* text) const {
 }
 
 QString RuleTableModel::accessibleText(const RuleColumn& column, const RuleCell& cell) const {
-  const QString title = localized(column.title);
+  QString title = localized(column.title);
   const QString colon = QStringLiteral(": ");
   if (cell.isOn) return title + colon + (*cell.isOn ? localized("On") : localized("Off"));
   if (cell.text.empty()) return title;

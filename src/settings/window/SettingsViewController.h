@@ -50,7 +50,7 @@ class SettingsViewController final : public QObject, public SettingsView {
   void selectRow(RuleList list, std::optional<std::size_t> row) override;
   void setRemoveButtonEnabled(RuleList list, bool enabled) override;
 
- public Q_SLOTS:
+ public Q_SLOTS:  // NOLINT(readability-redundant-access-specifiers): what they are to Qt
   void createNewFilePressed() override;
   void copyFilesToPressed();
   void commonPathPressed();

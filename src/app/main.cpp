@@ -21,6 +21,7 @@
 #include "platform/linux/ParentPipe.h"
 #include "platform/linux/TerminationSignals.h"
 #include "platform/linux/TextTranslator.h"
+#include "platform/linux/UserFolders.h"
 #include "settings/DefaultSettings.h"
 #include "settings/Seeding.h"
 #include "settings/window/PreferencesProcess.h"
@@ -79,6 +80,11 @@ void seedStores(Platform& platform, const DefaultSettings& defaultSettings) {
   seedSettings(defaultSettings, *standard, *sharedSuite);
 }
 
+DefaultSettings loadDefaultSettings(Platform& platform) {
+  return DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, platform.log)
+      .withFoldersAt(placesOfUserFolders());
+}
+
 void nameApplication() {
   QCoreApplication::setApplicationName(QString::fromUtf8(identity::displayName));
   QCoreApplication::setApplicationVersion(QString::fromUtf8(identity::version));
@@ -96,8 +102,7 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
 
   LinuxPlatform linuxPlatform(accepted, intake, signalsToEnd, log);
   Platform& platform = linuxPlatform.services();
-  const auto defaultSettings =
-      DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);
+  const DefaultSettings defaultSettings = loadDefaultSettings(platform);
   const auto seed = [&] { seedStores(platform, defaultSettings); };
   seed();
   linuxPlatform.setSettingsLost(seed);
@@ -124,8 +129,7 @@ int runPreferencesWindow(char* programName, Log& log) {
 
   LinuxPlatform linuxPlatform(accepted, noIntake, signalsToEnd, log);
   Platform& platform = linuxPlatform.services();
-  const auto defaultSettings =
-      DefaultSettings::loadedFromBundle(platform.bundle, platform.propertyLists, log);
+  const DefaultSettings defaultSettings = loadDefaultSettings(platform);
   AppDelegate host(platform, defaultSettings,
                    [&platform](UserDefaults& standardUserDefaults, SettingsController& settings) {
                      return std::make_unique<QtPreferencesWindow>(platform, standardUserDefaults,

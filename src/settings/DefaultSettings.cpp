@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "settings/SettingsKeys.h"
+
 namespace tavrin {
 
 namespace {
@@ -28,6 +30,21 @@ DefaultSettings DefaultSettings::loadedFromBundle(const Bundle& bundle,
   auto* values = contents.value().dictionaryIfDictionary();
   if (values == nullptr) return noDefaults(log, *path + " is no dictionary");
   return DefaultSettings(std::move(*values));
+}
+
+DefaultSettings DefaultSettings::withFoldersAt(
+    const std::map<std::string, std::string>& places) const {
+  PropertyList::Dictionary values = values_;
+  for (const char* key : {settings_key::arrOfCopyFilesTo, settings_key::arrOfCommonPath}) {
+    const auto rules = values.find(key);
+    if (rules == values.end() || !rules->second.isArray()) continue;
+    for (PropertyList& rule : *rules->second.arrayIfArray()) {
+      const auto place = places.find(rule.stringForKey(record_field::realPath));
+      if (place == places.end()) continue;
+      rule.dictionaryIfDictionary()->insert_or_assign(record_field::realPath, place->second);
+    }
+  }
+  return DefaultSettings(std::move(values));
 }
 
 PropertyList::Array DefaultSettings::arrayForKey(const std::string& key) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <string>
 
 #include "foundation/PropertyList.h"
@@ -21,6 +22,10 @@ class DefaultSettings {
   /// no dictionary gives no defaults, with one line in the log.
   static DefaultSettings loadedFromBundle(const Bundle& bundle,
                                           PropertyListSerialization& propertyLists, Log& log);
+
+  /// The same for an account whose folders have other places: each folder of a rule that `places`
+  /// has is replaced by what stands there.
+  DefaultSettings withFoldersAt(const std::map<std::string, std::string>& places) const;
 
   /// All of it, settings keys with their values.
   const PropertyList::Dictionary& dictionary() const { return values_; }

@@ -34,6 +34,16 @@ class Settings(HostTest):
         self.assertEqual(standard["arrOfOthers"], defaults["arrOfOthers"])
         self.assertEqual(standard["hiddenIconInStatusBar"], defaults["hiddenIconInStatusBar"])
 
+    def test_folders_with_names_of_another_language_are_found(self):
+        (self.session.config / "user-dirs.dirs").write_text('XDG_PICTURES_DIR="$HOME/Bilder"\n'
+                                                            'XDG_MUSIC_DIR="$HOME/"\n')
+        self.session.start_waiting_host()
+        rules = self.session.export_domain("standard")["arrOfCopyFilesTo"]
+        paths = [rule["realPath"] for rule in rules]
+        self.assertIn("~/Bilder", paths)
+        self.assertNotIn("~/Pictures", paths)
+        self.assertIn("~/Music", paths)
+
     def test_switches_are_mirrored_at_once(self):
         self.session.start_waiting_host()
         self.session.wait_for_settings()

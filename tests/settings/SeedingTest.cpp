@@ -133,6 +133,19 @@ TEST_F(LoadingDefaultSettings, ReadsTheResourceOnce) {
   EXPECT_TRUE(log.lines().empty());
 }
 
+TEST(DefaultSettingsOfAnAccount, HaveItsFoldersInTheirPlaces) {
+  const auto rule = [](const char* path) {
+    return PropertyList::Dictionary{{"realPath", path}, {"displayName", "kept"}};
+  };
+  const DefaultSettings settings({{"arrOfCopyFilesTo", PropertyList::Array{rule("~/Pictures"), 7}},
+                                  {"arrOfCommonPath", PropertyList::Array{rule("~/Music")}},
+                                  {"arrOfOthers", PropertyList::Array{rule("~/Pictures")}}});
+  const DefaultSettings own = settings.withFoldersAt({{"~/Pictures", "~/Bilder"}});
+  EXPECT_EQ(own.arrayForKey("arrOfCopyFilesTo"), (PropertyList::Array{rule("~/Bilder"), 7}));
+  EXPECT_EQ(own.arrayForKey("arrOfCommonPath"), settings.arrayForKey("arrOfCommonPath"));
+  EXPECT_EQ(own.arrayForKey("arrOfOthers"), settings.arrayForKey("arrOfOthers"));
+}
+
 TEST_F(LoadingDefaultSettings, HasNoneAndSaysSoOnceWhenTheResourceIsMissingOrNoDictionary) {
   EXPECT_TRUE(load().dictionary().empty());
   EXPECT_EQ(log.lines().size(), 1U);

@@ -3,6 +3,7 @@
 import os
 import plistlib
 import pwd
+import re
 import signal
 import subprocess
 from pathlib import Path
@@ -133,8 +134,12 @@ class FromATemplate(CreateFile):
         (applications / "recorder.desktop").write_text(
             "[Desktop Entry]\nType=Application\nName=Recorder\n"
             f"Exec={recorder} {notes}/start %U\nMimeType=text/markdown;\n")
+        # What is installed here must not open the other file.
+        document = "application/vnd.oasis.opendocument.text"
+        installed = set(re.findall(r"\S+\.desktop", self.session.run("gio", "mime", document)))
         (self.session.config / "mimeapps.list").write_text(
-            "[Default Applications]\ntext/markdown=recorder.desktop\n")
+            "[Default Applications]\ntext/markdown=recorder.desktop\n"
+            f"[Removed Associations]\n{document}={';'.join(installed)};\n")
         folder = self.make_folder("with blank & 'quote'")
         self.session.grant(folder)
         self.create_and_wait(tag_of("md"), folder)

@@ -56,6 +56,11 @@ class Workspace {
   /// thread.
   virtual bool launchApplication(const std::string& path) = 0;
 
+  /// Ends the file viewers that run in the user's session, so that they load their menus anew, and
+  /// starts them again without a window. Returns at once; one that is at work with files is waited
+  /// for, and what fails reaches the log.
+  virtual void restartFileViewer() = 0;
+
   /// Calls `willSleep` when the system is about to sleep.
   [[nodiscard]] virtual Observation observeWillSleep(std::function<void()> willSleep) = 0;
 };

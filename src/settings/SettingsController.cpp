@@ -117,6 +117,10 @@ void SettingsController::textServiceCheckButtonClick() {
   });
 }
 
+void SettingsController::restartFinder() {
+  platform_.workspace.restartFileViewer();
+}
+
 std::optional<std::string> SettingsController::runCommand(const std::string& command) {
   std::string output = platform_.shell.outputOfCommand(command);
   return isUtf8(output) ? std::optional(std::move(output)) : std::nullopt;

@@ -60,6 +60,9 @@ class SettingsController {
   /// text service in the background.
   void textServiceCheckButtonClick();
 
+  /// Has the file managers load their menus anew.
+  void restartFinder();
+
   /// What a command of the standard shell prints; nothing when that is no UTF-8.
   std::optional<std::string> runCommand(const std::string& command);
 

@@ -100,6 +100,14 @@ TEST_F(StartingSettings, LaunchesTheTextServiceInTheBackgroundWhereItIsOn) {
   EXPECT_THAT(workspace.launched, SizeIs(1));
 }
 
+TEST_F(StartingSettings, RestartsTheFileManagersOnlyWhenAsked) {
+  controller->start();
+  mainLoop.runPending();
+  EXPECT_EQ(workspace.fileViewerRestarts, 0);
+  controller->restartFinder();
+  EXPECT_EQ(workspace.fileViewerRestarts, 1);
+}
+
 TEST_F(StartingSettings, ReturnsWhatACommandPrintsAsFarAsItIsText) {
   shell.outputs = {{"date", "Grüße\n"}, {"cat picture", "\xFF\xD8"}};
   EXPECT_EQ(controller->runCommand("date"), "Grüße\n");

@@ -137,6 +137,7 @@ class FakeWorkspace final : public Workspace {
     launched.push_back(path);
     return true;
   }
+  void restartFileViewer() override { ++fileViewerRestarts; }
   [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
 
   /// One setting of an icon: the contents of the image, or "none".
@@ -158,6 +159,7 @@ class FakeWorkspace final : public Workspace {
   /// What was to be done with files, in order.
   std::vector<std::string> asked;
   std::vector<std::string> launched;
+  int fileViewerRestarts = 0;
   std::function<void()> sleep;
 };
 

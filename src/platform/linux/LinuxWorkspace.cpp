@@ -10,6 +10,7 @@
 #include "platform/linux/DefaultApplication.h"
 #include "platform/linux/FileIcon.h"
 #include "platform/linux/FileViewer.h"
+#include "platform/linux/FileViewerRestart.h"
 #include "platform/linux/OpenWithApplication.h"
 #include "platform/linux/ProgramLauncher.h"
 #include "platform/linux/UrlOpening.h"
@@ -17,6 +18,9 @@
 namespace tavrin {
 
 namespace {
+
+/// A second at rest, ten minutes at most.
+constexpr RunningFileViewer::Pace restartPace = {std::chrono::milliseconds(250), 4, 2400};
 
 bool isFolder(const std::string& path) {
   struct stat status = {};
@@ -46,6 +50,7 @@ LinuxWorkspace::LinuxWorkspace(GDBusConnection* connection, ApplicationTable& ap
       itemIcons_(itemIcons),
       log_(log),
       fileViewer_(std::make_unique<FileViewer>(connection, log)),
+      fileViewerRestart_(std::make_unique<FileViewerRestart>(connection, log, restartPace)),
       sleepSignal_(log) {}
 
 LinuxWorkspace::~LinuxWorkspace() = default;
@@ -94,6 +99,10 @@ bool LinuxWorkspace::launchApplication(const std::string& path) {
   const Status launched = launchProgram(*program);
   if (!launched) log_.write(launched.error().describe());
   return static_cast<bool>(launched);
+}
+
+void LinuxWorkspace::restartFileViewer() {
+  fileViewerRestart_->start();
 }
 
 Observation LinuxWorkspace::observeWillSleep(std::function<void()> willSleep) {

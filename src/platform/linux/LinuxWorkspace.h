@@ -15,6 +15,7 @@ typedef struct _GDBusConnection GDBusConnection;  // NOLINT(bugprone-reserved-id
 namespace tavrin {
 
 class FileViewer;
+class FileViewerRestart;
 
 /// The desktop around the program: the file manager behind org.freedesktop.FileManager1, or else
 /// the default application for folders; logind for the system's sleep.
@@ -42,6 +43,8 @@ class LinuxWorkspace final : public Workspace {
   /// the log.
   bool launchApplication(const std::string& path) override;
 
+  void restartFileViewer() override;
+
   [[nodiscard]] Observation observeWillSleep(std::function<void()> willSleep) override;
 
  private:
@@ -49,6 +52,7 @@ class LinuxWorkspace final : public Workspace {
   ItemIcons* itemIcons_;
   Log& log_;
   std::unique_ptr<FileViewer> fileViewer_;
+  std::unique_ptr<FileViewerRestart> fileViewerRestart_;
   SleepSignal sleepSignal_;
 };
 

@@ -158,7 +158,9 @@ void SettingsViewController::textServiceCheckButtonClick() {
   settings_.textServiceCheckButtonClick();
 }
 
-void SettingsViewController::restartFinder() {}
+void SettingsViewController::restartFinder() {
+  settings_.restartFinder();
+}
 
 // Links
 

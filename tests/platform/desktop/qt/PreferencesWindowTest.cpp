@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QPushButton>
 #include <QTest>
 #include <algorithm>
 #include <cmath>
@@ -105,6 +106,13 @@ TEST_F(PreferencesWindowTest, switchesFollowTheirSettingsInBothDirections) {
   asks.click();
   EXPECT_FALSE(standard_->boolForKey(settings_key::enableDirectDeleteFiles));
   EXPECT_TRUE(standard_->boolForKey(settings_key::deleteDirectlyRequiresConfirmation));
+}
+
+TEST_F(PreferencesWindowTest, restartsTheFileManagersWithItsButton) {
+  auto& button = outlet<QPushButton>("restartFinderButton");
+  EXPECT_EQ(system_.workspace.fileViewerRestarts, 0);
+  button.click();
+  EXPECT_EQ(system_.workspace.fileViewerRestarts, 1);
 }
 
 TEST_F(PreferencesWindowTest, optionControlsStandInTheRowsOfTheirCommandsAfterEveryMove) {

@@ -1,0 +1,27 @@
+#include "platform/linux/FileViewerKind.h"
+
+#include <algorithm>
+#include <array>
+
+namespace tavrin {
+
+namespace {
+
+constexpr std::array fileViewers = {
+    FileViewerKind{"org.gnome.Nautilus", false, "nautilus", "--quit", "--gapplication-service"},
+    FileViewerKind{"org.Nemo", false, "nemo", "--quit", "--no-default-window"},
+    FileViewerKind{"org.mate.Caja", false, "caja", "--quit", "--no-default-window"},
+    FileViewerKind{"org.xfce.Thunar", false, "thunar", "--quit", "--daemon"},
+    FileViewerKind{"org.kde.dolphin-", true, "dolphin", nullptr, "--daemon"},
+};
+
+}  // namespace
+
+const FileViewerKind* fileViewerOfBusName(const std::string& busName) {
+  const auto* const found = std::ranges::find_if(fileViewers, [&](const FileViewerKind& kind) {
+    return kind.hasNamePerProcess ? busName.starts_with(kind.busName) : busName == kind.busName;
+  });
+  return found == fileViewers.end() ? nullptr : found;
+}
+
+}  // namespace tavrin

@@ -7,6 +7,7 @@
 #include "foundation/PathHelpers.h"
 #include "foundation/PathString.h"
 #include "foundation/Translatable.h"
+#include "settings/RowOptions.h"
 
 namespace tavrin {
 
@@ -101,7 +102,9 @@ bool isAlwaysOn(const PropertyList& othersRecord) {
 }
 
 RuleRows::RuleRows(Platform& platform)
-    : platform_(platform), homePath_(realHomePath(platform.bundle.account())) {
+    : platform_(platform),
+      standardUserDefaults_(platform.userDefaults.standardUserDefaults()),
+      homePath_(realHomePath(platform.bundle.account())) {
   const auto container = platform.fileManager.containerPathForSecurityApplicationGroupIdentifier(
       platform.bundle.groupIdentifier());
   if (container) {
@@ -192,9 +195,18 @@ RuleCell RuleRows::tableViewForOthers(std::string_view column, const PropertyLis
     cell.isSwitchEnabled = !isAlwaysOn(record);
     return cell;
   }
-  RuleCell option;
-  if (column == "Option") option.option = action;
-  return option;
+  return column == "Option" ? optionCell(action) : RuleCell();
+}
+
+RuleCell RuleRows::optionCell(const std::string& action) const {
+  RuleCell cell;
+  cell.option = action;
+  const RowOption* option = optionOfAction(action);
+  if (option == nullptr) return cell;
+  const int chosen = tavrin::chosenOption(*option, *standardUserDefaults_);
+  cell.chosenOption =
+      platform_.bundle.localizedString(option->choices.at(static_cast<std::size_t>(chosen)));
+  return cell;
 }
 
 std::string RuleRows::titleOf(const PropertyList& record, const char* modifiedField) const {

@@ -69,8 +69,10 @@ struct RuleCell {
   int iconSide = 0;
   RowIcon icon;
   bool isCentred = false;
-  /// The `Action` whose option control the cell holds.
+  /// The `Action` whose option control the cell holds, and what is chosen there; empty where there
+  /// is no choice.
   std::string option;
+  std::string chosenOption;
 };
 
 /// Builds the cells of the rule tables from the records. Reads whatever a record holds: a field
@@ -96,8 +98,10 @@ class RuleRows {
   RuleCell folderIconCell(const PropertyList& record) const;
   std::string sizeOf(const PropertyList& record) const;
   RowIcon resourceIcon(const std::string& action) const;
+  RuleCell optionCell(const std::string& action) const;
 
   Platform& platform_;
+  std::unique_ptr<UserDefaults> standardUserDefaults_;
   std::string homePath_;
   std::string templatesFolder_;
 };

@@ -83,8 +83,9 @@ QString RuleTableModel::accessibleText(const RuleColumn& column, const RuleCell&
   QString title = localized(column.title);
   const QString colon = QStringLiteral(": ");
   if (cell.isOn) return title + colon + (*cell.isOn ? localized("On") : localized("Off"));
-  if (cell.text.empty()) return title;
-  return title + colon + QString::fromStdString(cell.text);
+  const std::string& content = cell.option.empty() ? cell.text : cell.chosenOption;
+  if (content.empty()) return title;
+  return title + colon + QString::fromStdString(content);
 }
 
 QVariant RuleTableModel::data(const QModelIndex& index, int role) const {

@@ -12,6 +12,7 @@
 
 #include "settings/window/RuleCellDelegate.h"
 #include "settings/window/RuleTableModel.h"
+#include "settings/window/SidebarButton.h"
 
 namespace tavrin {
 
@@ -127,6 +128,12 @@ void RuleTableView::keyPressEvent(QKeyEvent* event) {
       break;
   }
   QTableView::keyPressEvent(event);
+}
+
+void RuleTableView::focusInEvent(QFocusEvent* event) {
+  QTableView::focusInEvent(event);
+  // The keys for a row work at once.
+  if (isKeyboardFocus(*event) && selectedRow() < 0) selectRow(std::max(currentIndex().row(), 0));
 }
 
 bool RuleTableView::moveSelectedRow(int key) {

@@ -4,7 +4,6 @@ Everything that a session starts is ended by it, and its folder is removed, what
 """
 
 import contextlib
-import ctypes
 import os
 import plistlib
 import re
@@ -18,6 +17,7 @@ import unittest
 from pathlib import Path
 from urllib.parse import quote_from_bytes
 
+from processes import end_process, end_program, end_with_parent
 from sound_server import SoundServer
 
 SOURCE_DIR = Path(__file__).resolve().parents[2]
@@ -425,34 +425,6 @@ class Session:
         self.authorize()
         wait_until(lambda: len(self.sound_server.played) > heard, f"the grant of {folder}")
         self._heard = list(self.sound_server.played)
-
-
-_libc = ctypes.CDLL(None)
-
-
-def end_with_parent():
-    """Lets a killed test take its programs with it."""
-    set_parent_death_signal = 1
-    _libc.prctl(set_parent_death_signal, signal.SIGKILL)
-
-
-def end_process(process):
-    """Ends a process that is no child; true when it was still there."""
-    with contextlib.suppress(ProcessLookupError):
-        os.kill(process, signal.SIGKILL)
-        return True
-    return False
-
-
-def end_program(program):
-    """Ends a program in an orderly way, and in the other way when that does not help."""
-    if program.poll() is None:
-        program.terminate()
-        try:
-            program.wait(10)
-        except subprocess.TimeoutExpired:
-            program.kill()
-    program.wait(10)
 
 
 class HostTest(unittest.TestCase):

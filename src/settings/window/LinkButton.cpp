@@ -1,13 +1,9 @@
 #include "settings/window/LinkButton.h"
 
-#include <QEvent>
-#include <QFocusEvent>
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyle>
 #include <algorithm>
-
-#include "settings/window/SidebarButton.h"
 
 namespace tavrin {
 
@@ -28,11 +24,8 @@ QColor faded(const QPalette& palette, float share) {
 
 }  // namespace
 
-LinkButton::LinkButton(QWidget* parent) : QAbstractButton(parent) {
-  setFocusPolicy(Qt::StrongFocus);
-  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+LinkButton::LinkButton(QWidget* parent) : PaintedButton(parent) {
   setCursor(Qt::PointingHandCursor);
-  setAttribute(Qt::WA_Hover);
 }
 
 void LinkButton::setDescription(const QString& description) {
@@ -61,8 +54,8 @@ void LinkButton::paintEvent(QPaintEvent* /*event*/) {
   painter.setRenderHint(QPainter::Antialiasing);
   const bool isLit = underMouse() || isDown();
   const QRectF box = QRectF(rect()).adjusted(1, 1, -1, -1);
-  painter.setPen(hasFocus() && showsFocus_ ? QPen(palette().color(QPalette::Highlight), 2)
-                                           : QPen(faded(palette(), 0.16F), 1));
+  painter.setPen(showsFocus() ? QPen(palette().color(QPalette::Highlight), 2)
+                              : QPen(faded(palette(), 0.16F), 1));
   painter.setBrush(faded(palette(), isLit ? 0.10F : 0.04F));
   painter.drawRoundedRect(box, radius, radius);
 
@@ -87,16 +80,6 @@ void LinkButton::paintEvent(QPaintEvent* /*event*/) {
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QPen(faded(palette(), 0.55F), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
   painter.drawPath(arrow);
-}
-
-bool LinkButton::event(QEvent* event) {
-  if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave) update();
-  return QAbstractButton::event(event);
-}
-
-void LinkButton::focusInEvent(QFocusEvent* event) {
-  showsFocus_ = isKeyboardFocus(*event);
-  QAbstractButton::focusInEvent(event);
 }
 
 }  // namespace tavrin

@@ -1,11 +1,11 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "settings/window/PaintedButton.h"
 
 namespace tavrin {
 
 /// A button that leads out of the program: a title with a line of description below it.
-class LinkButton final : public QAbstractButton {
+class LinkButton final : public PaintedButton {
   Q_OBJECT
   Q_PROPERTY(QString description READ description WRITE setDescription)
 
@@ -16,18 +16,14 @@ class LinkButton final : public QAbstractButton {
   void setDescription(const QString& description);
 
   QSize sizeHint() const override;
-  QSize minimumSizeHint() const override { return sizeHint(); }
 
  protected:
   void paintEvent(QPaintEvent* event) override;
-  bool event(QEvent* event) override;
-  void focusInEvent(QFocusEvent* event) override;
 
  private:
   QFont titleFont() const;
 
   QString description_;
-  bool showsFocus_ = false;
 };
 
 }  // namespace tavrin

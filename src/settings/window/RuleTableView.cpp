@@ -10,9 +10,9 @@
 #include <QScrollBar>
 #include <algorithm>
 
+#include "settings/window/PaintedButton.h"
 #include "settings/window/RuleCellDelegate.h"
 #include "settings/window/RuleTableModel.h"
-#include "settings/window/SidebarButton.h"
 
 namespace tavrin {
 

@@ -1,7 +1,5 @@
 #include "settings/window/SidebarButton.h"
 
-#include <QEvent>
-#include <QFocusEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
@@ -18,8 +16,7 @@ constexpr int iconSide = 18;
 constexpr int leastHeight = 34;
 constexpr qreal radius = 6;
 
-}  // namespace
-
+/// The drawing in one colour, `side` points wide on a screen of the given pixel ratio.
 QPixmap tintedPixmap(const QImage& mask, const QColor& colour, int side, qreal pixelRatio) {
   const int pixels = qRound(side * pixelRatio);
   QImage tinted = mask.scaled(pixels, pixels, Qt::KeepAspectRatio, Qt::SmoothTransformation)
@@ -33,12 +30,11 @@ QPixmap tintedPixmap(const QImage& mask, const QColor& colour, int side, qreal p
   return pixmap;
 }
 
-SidebarButton::SidebarButton(QWidget* parent) : QAbstractButton(parent) {
+}  // namespace
+
+SidebarButton::SidebarButton(QWidget* parent) : PaintedButton(parent) {
   setCheckable(true);
   setAutoExclusive(true);
-  setFocusPolicy(Qt::StrongFocus);
-  setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
-  setAttribute(Qt::WA_Hover);
 }
 
 void SidebarButton::setMask(QImage mask) {
@@ -86,25 +82,10 @@ void SidebarButton::paintEvent(QPaintEvent* /*event*/) {
                    static_cast<int>(QStyle::visualAlignment(layoutDirection(), Qt::AlignLeft)) |
                        Qt::AlignVCenter | Qt::TextShowMnemonic,
                    this->text());
-  if (!hasFocus() || !showsFocus_) return;
+  if (!showsFocus()) return;
   painter.setPen(QPen(palette().color(QPalette::Highlight), 2));
   painter.setBrush(Qt::NoBrush);
   painter.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), radius, radius);
-}
-
-bool SidebarButton::event(QEvent* event) {
-  if (event->type() == QEvent::HoverEnter || event->type() == QEvent::HoverLeave) update();
-  return QAbstractButton::event(event);
-}
-
-bool isKeyboardFocus(const QFocusEvent& event) {
-  return event.reason() == Qt::TabFocusReason || event.reason() == Qt::BacktabFocusReason ||
-         event.reason() == Qt::ShortcutFocusReason;
-}
-
-void SidebarButton::focusInEvent(QFocusEvent* event) {
-  showsFocus_ = isKeyboardFocus(*event) || (showsFocus_ && event->reason() != Qt::MouseFocusReason);
-  QAbstractButton::focusInEvent(event);
 }
 
 }  // namespace tavrin

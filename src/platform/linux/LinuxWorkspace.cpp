@@ -19,8 +19,8 @@ namespace tavrin {
 
 namespace {
 
-/// A second at rest, ten minutes at most.
-constexpr RunningFileViewer::Pace restartPace = {std::chrono::milliseconds(250), 4, 2400};
+/// Three seconds at rest, since a copy may stand still for a moment; ten minutes at most.
+constexpr RunningFileViewer::Pace restartPace = {std::chrono::milliseconds(250), 12, 2400};
 
 bool isFolder(const std::string& path) {
   struct stat status = {};

@@ -24,19 +24,36 @@ std::string contentsOf(const fs::path& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// The processor time that the process has used, in clock ticks; see proc(5).
-std::optional<long> ticksOf(const fs::path& process) {
-  const std::string status = contentsOf(process / "stat");
+/// The fields of "stat", that of a process or of a thread, from the third on: see proc(5).
+std::istringstream statusFields(const fs::path& task) {
+  const std::string status = contentsOf(task / "stat");
   // The name before this bracket may hold anything.
   const std::size_t end = status.rfind(')');
-  if (end == std::string::npos) return std::nullopt;
-  std::istringstream fields(status.substr(end + 1));
+  return std::istringstream(end == std::string::npos ? std::string() : status.substr(end + 1));
+}
+
+/// The processor time that the process has used, in clock ticks.
+std::optional<long> ticksOf(const fs::path& process) {
+  std::istringstream fields = statusFields(process);
   std::string skipped;
   for (int field = 3; field < 14; ++field) fields >> skipped;
   long userTicks = 0;
   long systemTicks = 0;
   fields >> userTicks >> systemTicks;
   return fields ? std::optional(userTicks + systemTicks) : std::nullopt;
+}
+
+/// Whether a thread of the process runs, is ready to, or waits for a disk; nothing when that cannot
+/// be seen.
+std::optional<bool> isRunning(const fs::path& process) {
+  std::error_code hidden;
+  fs::directory_iterator thread(process / "task", hidden);
+  for (; !hidden && thread != fs::directory_iterator(); thread.increment(hidden)) {
+    std::string state;
+    statusFields(thread->path()) >> state;
+    if (state == "R" || state == "D") return true;
+  }
+  return hidden ? std::nullopt : std::optional(false);
 }
 
 bool isOpenForWritingAlone(const fs::path& process, const std::string& descriptor) {
@@ -74,7 +91,7 @@ int ProcessRest::look() {
   const fs::path process = fs::path("/proc") / std::to_string(processId_);
   const std::optional<long> ticks = ticksOf(process);
   const bool isAtRest = ticks && ticksBefore_ && *ticks - *ticksBefore_ <= ticksAtRest &&
-                        !isWriting(process).value_or(true);
+                        !isRunning(process).value_or(true) && !isWriting(process).value_or(true);
   looks_ = isAtRest ? looks_ + 1 : 0;
   if (!isAtRest) ticksBefore_ = ticks;
   return looks_;

@@ -64,7 +64,8 @@ class FileViewerRestartTest : public testing::Test {
                                           const std::vector<std::string>& options = {}) {
     std::vector<std::string> command = {TAVRIN_PYTHON, TAVRIN_TEST_FILE_VIEWER, name};
     command.insert(command.end(), options.begin(), options.end());
-    auto viewer = std::make_unique<test::ChildProcess>(command);
+    const std::vector<std::string> noSettings;
+    auto viewer = std::make_unique<test::ChildProcess>(command, noSettings, folder_.path());
     EXPECT_TRUE(test::waitUntil([&] { return viewer->output() == "ready\n"; })) << viewer->errors();
     test::writeFile(folder_ / "process", std::to_string(viewer->processId()) + "\n");
     return viewer;
@@ -129,10 +130,13 @@ TEST_F(FileViewerRestartTest, startsByItsProgramWhatTheBusDoesNotStart) {
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
-TEST_F(FileViewerRestartTest, waitsForAFileManagerThatWritesAFile) {
+class FileViewerAtWorkTest : public FileViewerRestartTest,
+                             public testing::WithParamInterface<const char*> {};
+
+TEST_P(FileViewerAtWorkTest, isWaitedFor) {
   install("thunar");
   installService("org.xfce.Thunar", "/bin/false");
-  const auto thunar = run("org.xfce.Thunar", {"--writes", folder_ / "copy"});
+  const auto thunar = run("org.xfce.Thunar", {GetParam()});
   FileViewerRestart impatient(connection_.get(), log_, impatientPace);
   impatient.start();
   ASSERT_TRUE(test::waitUntil([&] { return !log_.lines().empty(); }));
@@ -145,6 +149,9 @@ TEST_F(FileViewerRestartTest, waitsForAFileManagerThatWritesAFile) {
   ASSERT_TRUE(waitForNotes(2));
   EXPECT_THAT(notes(), ElementsAre("thunar --quit", "thunar --daemon"));
 }
+
+INSTANTIATE_TEST_SUITE_P(ByItsFiles, FileViewerAtWorkTest, testing::Values("--writes=copy"));
+INSTANTIATE_TEST_SUITE_P(ByItsProcessor, FileViewerAtWorkTest, testing::Values("--computes"));
 
 TEST_F(FileViewerRestartTest, doesNotStartWhatTheUserEndedOrWhatDoesNotEnd) {
   install("thunar", "true");

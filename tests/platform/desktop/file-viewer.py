@@ -1,12 +1,14 @@
 """Plays a file manager on the session bus: owns the name that is its argument, in which PID stands for
 its process number, and says on its standard output what is asked of it.
 
-With --writes it holds a file open for writing until SIGUSR1, with --windows it has so many windows, as
+With --writes it holds a file open for writing until SIGUSR1, with --computes it uses the processor
+until then. With --windows it has so many windows, as
 Dolphin has them on the bus, and ends with the last. SIGTERM ends it."""
 
 import argparse
 import os
 import signal
+import time
 
 import dbus
 import dbus.service
@@ -37,18 +39,31 @@ class MainApplication(dbus.service.Object):
         os._exit(0)
 
 
+def compute(work):
+    end = time.monotonic() + 0.05
+    while time.monotonic() < end:
+        pass
+    return bool(work)
+
+
 def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("name")
     parser.add_argument("--writes")
+    parser.add_argument("--computes", action="store_true")
     parser.add_argument("--windows", type=int, default=0)
     options = parser.parse_args()
     DBusGMainLoop(set_as_default=True)
     bus = dbus.SessionBus()
     loop = GLib.MainLoop()
+    work = []
     if options.writes:
-        descriptor = os.open(options.writes, os.O_WRONLY | os.O_CREAT)
-        GLib.unix_signal_add(GLib.PRIORITY_DEFAULT, signal.SIGUSR1, lambda: os.close(descriptor))
+        work.append(open(options.writes, "w"))
+    if options.computes:
+        # Asks for nothing of the loop, and leaves it the time between two beats.
+        GLib.timeout_add(10, lambda: compute(work), priority=GLib.PRIORITY_LOW)
+        work.append(None)
+    GLib.unix_signal_add(GLib.PRIORITY_DEFAULT, signal.SIGUSR1, work.clear)
     objects = [MainApplication(bus, "/MainApplication")]
     if options.windows:
         objects.append(Folder(bus, "/dolphin"))

@@ -43,15 +43,14 @@ std::optional<long> ticksOf(const fs::path& process) {
   return fields ? std::optional(userTicks + systemTicks) : std::nullopt;
 }
 
-/// Whether a thread of the process runs, is ready to, or waits for a disk; nothing when that cannot
-/// be seen.
-std::optional<bool> isRunning(const fs::path& process) {
+/// Whether a thread of the process waits for a disk; nothing when that cannot be seen.
+std::optional<bool> isWaitingForDisk(const fs::path& process) {
   std::error_code hidden;
   fs::directory_iterator thread(process / "task", hidden);
   for (; !hidden && thread != fs::directory_iterator(); thread.increment(hidden)) {
     std::string state;
     statusFields(thread->path()) >> state;
-    if (state == "R" || state == "D") return true;
+    if (state == "D") return true;
   }
   return hidden ? std::nullopt : std::optional(false);
 }
@@ -91,7 +90,8 @@ int ProcessRest::look() {
   const fs::path process = fs::path("/proc") / std::to_string(processId_);
   const std::optional<long> ticks = ticksOf(process);
   const bool isAtRest = ticks && ticksBefore_ && *ticks - *ticksBefore_ <= ticksAtRest &&
-                        !isRunning(process).value_or(true) && !isWriting(process).value_or(true);
+                        !isWaitingForDisk(process).value_or(true) &&
+                        !isWriting(process).value_or(true);
   looks_ = isAtRest ? looks_ + 1 : 0;
   if (!isAtRest) ticksBefore_ = ticks;
   return looks_;

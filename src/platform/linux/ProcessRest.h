@@ -5,7 +5,7 @@
 namespace tavrin {
 
 /// Tells from outside when a process does nothing with files: it holds none open for writing alone,
-/// as a copy does with its target, has no thread that runs or waits for a disk, and hardly uses the
+/// as a copy does with its target, has no thread that waits for a disk, and hardly uses the
 /// processor. Standard output and error do not count, nor does a database, which is open for
 /// reading too. Reads of /proc what never waits for a disk.
 class ProcessRest {

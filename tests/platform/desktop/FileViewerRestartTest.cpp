@@ -20,8 +20,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-constexpr RunningFileViewer::Pace quickPace = {std::chrono::milliseconds(20), 4, 1000};
-constexpr RunningFileViewer::Pace impatientPace = {std::chrono::milliseconds(20), 4, 15};
+constexpr RunningFileViewer::Pace quickPace = {std::chrono::milliseconds(20), 12, 1000};
+constexpr RunningFileViewer::Pace impatientPace = {std::chrono::milliseconds(20), 12, 30};
 
 class FileViewerRestartTest : public testing::Test {
  protected:
@@ -102,7 +102,7 @@ TEST_F(FileViewerRestartTest, quitsWhatIsRunningAndStartsItAsTheServiceThatItIs)
   restart.start();
   ASSERT_TRUE(waitForNotes(2));
   EXPECT_FALSE(nautilus->isRunning());
-  lookFor(std::chrono::milliseconds(200));
+  lookFor(std::chrono::milliseconds(400));
   EXPECT_THAT(notes(), ElementsAre("nautilus --quit", "service --of-the-bus"));
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -125,7 +125,7 @@ TEST_F(FileViewerRestartTest, startsByItsProgramWhatTheBusDoesNotStart) {
     fs::remove(notes_);
   }
   restart.start();
-  lookFor(std::chrono::milliseconds(200));
+  lookFor(std::chrono::milliseconds(400));
   EXPECT_THAT(notes(), IsEmpty()) << "Nothing is running any more.";
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -169,10 +169,10 @@ TEST_F(FileViewerRestartTest, doesNotStartWhatTheUserEndedOrWhatDoesNotEnd) {
   thunar->wait();
   FileViewerRestart restart(connection_.get(), log_, quickPace);
   restart.start();
-  lookFor(std::chrono::milliseconds(200));
+  lookFor(std::chrono::milliseconds(400));
   nemo->signal(SIGTERM);
   nemo->wait();
-  lookFor(std::chrono::milliseconds(200));
+  lookFor(std::chrono::milliseconds(400));
   EXPECT_THAT(notes(), ElementsAre("thunar --quit"));
 }
 
@@ -189,7 +189,7 @@ TEST_F(FileViewerRestartTest, asksTheWindowsOfDolphinAndStartsItOnce) {
       UnorderedElementsAre("ready", "close /dolphin/Dolphin_1", "close /dolphin/Dolphin_2"));
   EXPECT_THAT(test::linesOf(service->output()), ElementsAre("ready", "quit"));
   ASSERT_TRUE(waitForNotes(1));
-  lookFor(std::chrono::milliseconds(200));
+  lookFor(std::chrono::milliseconds(400));
   EXPECT_THAT(notes(), ElementsAre("dolphin --daemon"));
   EXPECT_THAT(log_.lines(), IsEmpty());
 }
@@ -214,7 +214,7 @@ TEST_F(FileViewerRestartTest, mayEndAtAnyTime) {
     restart.start();
     lookFor(std::chrono::milliseconds(milliseconds));
   }
-  lookFor(std::chrono::milliseconds(200));
+  lookFor(std::chrono::milliseconds(400));
   EXPECT_THAT(notes(), IsEmpty());
   EXPECT_TRUE(thunar->isRunning());
   EXPECT_THAT(log_.lines(), IsEmpty());

@@ -71,6 +71,14 @@ class FileManager {
   /// (invalid_argument). The source is as before.
   virtual Status copyItemAtPath(const std::string& source, const std::string& destination) = 0;
 
+  /// Copies a regular file with all that copyItemAtPath keeps of it. The copy takes the place of an
+  /// item that has the name as createFileAtPath's file does with `Replace::Yes`: in one step, once
+  /// it is durable, and never that of a folder (is_a_directory). The copy has no hidden flag. A
+  /// source that is a folder fails with is_a_directory, a link with too_many_symbolic_link_levels,
+  /// any other kind with invalid_argument, without blocking.
+  virtual Status copyFileReplacingAtPath(const std::string& source,
+                                         const std::string& destination) = 0;
+
   /// Moves an item to a name that is free: by one rename within a file system, else by a copy that
   /// is durable before the source is removed. Nothing of the source is removed that the copy does
   /// not hold: what came into it or changed during the copy stays, and the move fails with

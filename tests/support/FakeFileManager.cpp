@@ -289,6 +289,29 @@ Status FakeFileManager::copyItemAtPath(const std::string& source, const std::str
   return success();
 }
 
+Status FakeFileManager::copyFileReplacingAtPath(const std::string& source,
+                                                const std::string& destination) {
+  if (const auto injected = fault("copy", source, destination)) return *injected;
+  const auto from = place("copy", source, Access::Read);
+  if (!from) return from.error();
+  const auto& item = from.value().item;
+  if (!item) return failure("copy", source, std::errc::no_such_file_or_directory);
+  const auto to = place("copy", destination, Access::Change);
+  if (!to) return to.error();
+  if (item->kind == Item::Kind::Symlink) {
+    return failure("copy", source, std::errc::too_many_symbolic_link_levels);
+  }
+  for (const auto& either : {item, to.value().item}) {
+    if (either && either->kind == Item::Kind::Folder) {
+      return failure("copy", source, std::errc::is_a_directory);
+    }
+  }
+  auto copy = folderCopy(*item, lastIdentity_);
+  copy->isHidden = false;
+  to.value().parent->children[to.value().name] = std::move(copy);
+  return success();
+}
+
 Status FakeFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {
   if (const auto injected = fault("move", source, destination)) return *injected;
   if (batches_.use_count() == 1) ++movesOutsideBatches_;

@@ -32,6 +32,8 @@ class FakeFileManager final : public FileManager {
   Status createDirectoryAtPath(const std::string& path,
                                IntermediateDirectories intermediates) override;
   Status copyItemAtPath(const std::string& source, const std::string& destination) override;
+  Status copyFileReplacingAtPath(const std::string& source,
+                                 const std::string& destination) override;
   Status moveItemAtPath(const std::string& source, const std::string& destination) override;
   Status removeItemAtPath(const std::string& path) override;
   Status setHiddenAtPath(const std::string& path, IsHidden isHidden) override;

@@ -135,7 +135,8 @@ Status LinuxFileManager::createDirectoryAtPath(const std::string& path,
   return success();
 }
 
-Status LinuxFileManager::copyItemAtPath(const std::string& source, const std::string& destination) {
+Status LinuxFileManager::copy(const std::string& source, const std::string& destination,
+                              Copy* copyItem) {
   const auto from = scopes_.locate(source, ScopeAccess::Read);
   if (!from) return from.error();
   const auto to = folders_.locate(destination, ScopeAccess::Change);
@@ -143,6 +144,15 @@ Status LinuxFileManager::copyItemAtPath(const std::string& source, const std::st
   Status copied = copyItem(reference(from.value()), to.value().reference(), partialItems_);
   if (copied) noteHidingFailure(*to.value().folder, dropHiddenName(to.value()));
   return copied;
+}
+
+Status LinuxFileManager::copyItemAtPath(const std::string& source, const std::string& destination) {
+  return copy(source, destination, &copyItem);
+}
+
+Status LinuxFileManager::copyFileReplacingAtPath(const std::string& source,
+                                                 const std::string& destination) {
+  return copy(source, destination, &copyFileReplacing);
 }
 
 Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {

@@ -31,6 +31,8 @@ class LinuxFileManager final : public FileManager {
   Status createDirectoryAtPath(const std::string& path,
                                IntermediateDirectories intermediates) override;
   Status copyItemAtPath(const std::string& source, const std::string& destination) override;
+  Status copyFileReplacingAtPath(const std::string& source,
+                                 const std::string& destination) override;
   Status moveItemAtPath(const std::string& source, const std::string& destination) override;
   Status removeItemAtPath(const std::string& path) override;
   /// By the list ".hidden" of the folder, which every file manager reads. A name with a line break
@@ -48,6 +50,9 @@ class LinuxFileManager final : public FileManager {
   const PartialItems& partialItems() const { return partialItems_; }
 
  private:
+  using Copy = Status(const ItemReference& source, const ItemReference& destination,
+                      PartialItems& partials);
+  Status copy(const std::string& source, const std::string& destination, Copy* copyItem);
   Status writeMovedList(const ItemPlace& item);
   Status dropHiddenName(const ItemPlace& item);
   Status carryHiddenName(const ItemPlace& from, const ItemPlace& to);

@@ -22,6 +22,18 @@ bool stands(const ItemReference& item) {
   return ::fstatat(item.parentDescriptor, item.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
+bool isFolder(const ItemReference& item) {
+  struct stat status = {};
+  return ::fstatat(item.parentDescriptor, item.name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0 &&
+         S_ISDIR(status.st_mode);
+}
+
+/// Why an item of that mode cannot be copied as a file.
+int causeOfNoFile(mode_t mode) {
+  if (S_ISDIR(mode)) return EISDIR;
+  return S_ISLNK(mode) ? ELOOP : EINVAL;
+}
+
 bool hasNoNamelessFiles(int cause) {
   return cause == EOPNOTSUPP || cause == EISDIR || cause == EINVAL || cause == ENOENT;
 }
@@ -38,15 +50,29 @@ PartialCopy::~PartialCopy() {
   if (!removePartialItem(destination_, partial_->name())) partial_->keepRecord();
 }
 
+Status PartialCopy::examineSource() {
+  const int result = ::fstatat(source_.parentDescriptor, source_.name.c_str(), &sourceStatus_,
+                               AT_SYMLINK_NOFOLLOW);
+  return result == 0 ? success() : Status(FolderEntry(source_).failure("stat", errno));
+}
+
 Status PartialCopy::build() {
-  if (::fstatat(source_.parentDescriptor, source_.name.c_str(), &sourceStatus_,
-                AT_SYMLINK_NOFOLLOW) != 0) {
-    return FolderEntry(source_).failure("stat", errno);
-  }
+  if (Status examined = examineSource(); !examined) return examined;
   if (stands(destination_)) return FolderEntry(destination_).failure("create", EEXIST);
   if (S_ISREG(sourceStatus_.st_mode)) return buildFile();
   if (S_ISDIR(sourceStatus_.st_mode)) return buildFolder();
   return buildOther();
+}
+
+Status PartialCopy::buildReplacement() {
+  if (Status examined = examineSource(); !examined) return examined;
+  if (!S_ISREG(sourceStatus_.st_mode)) {
+    return FolderEntry(source_).failure("copy as a file", causeOfNoFile(sourceStatus_.st_mode));
+  }
+  if (isFolder(destination_)) return FolderEntry(destination_).failure("replace", EISDIR);
+  // A file without a name could not take the place of another.
+  if (Status begun = begin(); !begun) return begun;
+  return buildFile();
 }
 
 Status PartialCopy::begin() {
@@ -57,10 +83,12 @@ Status PartialCopy::begin() {
 }
 
 Result<FileDescriptor> PartialCopy::createFile() {
-  FileDescriptor nameless = openNamelessFile(destination_.parentDescriptor, S_IRUSR | S_IWUSR);
-  if (nameless) return nameless;
-  if (!hasNoNamelessFiles(errno)) return FolderEntry(destination_).failure("create", errno);
-  if (Status begun = begin(); !begun) return begun.error();
+  if (!partial_) {
+    FileDescriptor nameless = openNamelessFile(destination_.parentDescriptor, S_IRUSR | S_IWUSR);
+    if (nameless) return nameless;
+    if (!hasNoNamelessFiles(errno)) return FolderEntry(destination_).failure("create", errno);
+    if (Status begun = begin(); !begun) return begun.error();
+  }
   FileDescriptor named(::openat(destination_.parentDescriptor, partial_->name().c_str(),
                                 O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                 S_IRUSR | S_IWUSR));
@@ -117,6 +145,16 @@ Status PartialCopy::giveName() {
       partial_ ? renameToFreeName(folder, partial_->name(), folder, destination_.name)
                : nameNamelessFile(content_.get(), folder, destination_.name);
   if (cause) return FolderEntry(destination_).failure("name", cause.value());
+  isNamed_ = true;
+  partial_.reset();
+  return success();
+}
+
+Status PartialCopy::replace() {
+  const int folder = destination_.parentDescriptor;
+  if (::renameat(folder, partial_->name().c_str(), folder, destination_.name.c_str()) != 0) {
+    return FolderEntry(destination_).failure("replace", errno);
+  }
   isNamed_ = true;
   partial_.reset();
   return success();

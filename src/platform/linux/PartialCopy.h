@@ -26,11 +26,17 @@ class PartialCopy {
   /// Copies the source; see copyItem for what it keeps and when it fails.
   Status build();
 
+  /// Copies a source that is to be a regular file, for `replace`; see copyFileReplacing.
+  Status buildReplacement();
+
   /// Makes what was built survive a power cut.
   Status makeDurable();
 
   /// Gives the copy its name. When that is taken, file_exists.
   Status giveName();
+
+  /// Puts what `buildReplacement` has built in the place of what has the name.
+  Status replace();
 
   /// Makes the name survive a power cut.
   Status makeNameDurable();
@@ -39,6 +45,7 @@ class PartialCopy {
   Result<TimeGranularity> timeGranularity();
 
  private:
+  Status examineSource();
   Status buildFile();
   Status buildFolder();
   Status buildOther();

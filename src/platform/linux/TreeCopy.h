@@ -19,4 +19,12 @@ class PartialItems;
 Status copyItem(const ItemReference& source, const ItemReference& destination,
                 PartialItems& partials);
 
+/// Copies a regular file as copyItem does and puts the copy in the place of what has the name: by
+/// one rename, after its bytes are durable, so that a power cut leaves the old item or the copy. A
+/// link is replaced itself. Fails with is_a_directory when the source or what has the name is a
+/// folder, with too_many_symbolic_link_levels when the source is a link, with invalid_argument when
+/// it is of another kind, without blocking, else with the first failure; the old item stands then.
+Status copyFileReplacing(const ItemReference& source, const ItemReference& destination,
+                         PartialItems& partials);
+
 }  // namespace tavrin

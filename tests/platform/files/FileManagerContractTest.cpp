@@ -25,12 +25,14 @@ Status asStatus(const auto& result) {
   return result ? success() : Status(result.error());
 }
 
-const std::array<Operation, 8> operations = {{
+const std::array<Operation, 9> operations = {{
     {"list", [](auto& files, auto& path,
                 auto&) { return asStatus(files.contentsOfDirectoryAtPath(path)); }},
     {"read", [](auto& files, auto& path, auto&) { return asStatus(files.contentsAtPath(path)); }},
     {"copy",
      [](auto& files, auto& path, auto& other) { return files.copyItemAtPath(path, other); }},
+    {"copy replacing", [](auto& files, auto& path,
+                          auto& other) { return files.copyFileReplacingAtPath(path, other); }},
     {"move",
      [](auto& files, auto& path, auto& other) { return files.moveItemAtPath(path, other); }},
     {"hide",
@@ -179,6 +181,39 @@ TEST_P(FileManagerContract, ReplacesAFileWhereItIsTold) {
   EXPECT_THAT(world_->snapshot(),
               ElementsAre("grant", "grant/file=new", "grant/folder", "grant/folder/inside=inside",
                           "grant/free=", "grant/link=no link", "grant/target=target"));
+}
+
+TEST_P(FileManagerContract, CopiesAFileInThePlaceOfAnother) {
+  for (const char* path : {"grant/file", "grant/source", "grant/folder/inside", "outside/secret"}) {
+    world_->addFile(path, path);
+  }
+  world_->addSymlink("grant/link", "file");
+  world_->addSymlink("grant/to folder", "folder");
+  ASSERT_TRUE(world_->pick(at("grant")));
+  const std::string source = at("grant/source");
+  EXPECT_TRUE(files().copyFileReplacingAtPath(source, at("grant/folder/inside")));
+  EXPECT_TRUE(files().copyFileReplacingAtPath(source, at("grant/to folder")));
+  EXPECT_TRUE(files().copyFileReplacingAtPath(source, at("grant/free")));
+  EXPECT_TRUE(files().copyFileReplacingAtPath(source, source));
+  const auto before = world_->snapshot();
+  EXPECT_THAT(before, ElementsAre("grant", "grant/file=grant/file", "grant/folder",
+                                  "grant/folder/inside=grant/source", "grant/free=grant/source",
+                                  "grant/link->file", "grant/source=grant/source",
+                                  "grant/to folder=grant/source", "outside",
+                                  "outside/secret=outside/secret"));
+  for (const auto& [from, to, cause] :
+       {std::tuple("source", "folder", std::errc::is_a_directory),
+        {"folder", "file", std::errc::is_a_directory},
+        {"folder", "new", std::errc::is_a_directory},
+        {"link", "file", std::errc::too_many_symbolic_link_levels},
+        {"missing", "file", std::errc::no_such_file_or_directory},
+        {"source", "missing/new", std::errc::no_such_file_or_directory},
+        {"source", "../outside/secret", std::errc::permission_denied},
+        {"../outside/secret", "file", std::errc::permission_denied}}) {
+    SCOPED_TRACE(std::string(from) + " to " + to);
+    expectFailure(files().copyFileReplacingAtPath(at("grant/") + from, at("grant/") + to), cause);
+  }
+  EXPECT_EQ(world_->snapshot(), before);
 }
 
 TEST_P(FileManagerContract, APickedPlaceGrantsOneFileOfItsFolder) {

@@ -109,6 +109,9 @@ TEST_F(HiddenFlag, AnItemIsNotHiddenByALineThatWasLeftBehind) {
   EXPECT_EQ(read("out/.hidden"), "other\ncopy\n");
   EXPECT_TRUE(files_.copyItemAtPath(scratch_ / "in/b", scratch_ / "out/copy"));
   EXPECT_EQ(read("out/.hidden"), "other\n");
+  write("out/.hidden", "copy\nother\n");
+  EXPECT_TRUE(files_.copyFileReplacingAtPath(scratch_ / "in/b", scratch_ / "out/copy"));
+  EXPECT_EQ(read("out/.hidden"), "other\n");
   EXPECT_FALSE(files_.createFileAtPath(scratch_ / "out/other/new", {}, FileManager::Replace::No));
   EXPECT_EQ(read("out/.hidden"), "other\n");
 }

@@ -158,7 +158,9 @@ Result<PropertyList::Dictionary> RuleListEditing::recordOfFolder(const std::stri
 }
 
 Result<PropertyList::Dictionary> RuleListEditing::recordOfIcon(const std::string& path) {
-  const auto image = platform_.images.imageWithContentsOfFile(path);
+  // What is picked as a link is granted as the file that it leads to.
+  const auto image =
+      platform_.images.imageWithContentsOfFile(platform_.fileManager.resolvingSymlinksInPath(path));
   if (!image) return noImage(path);
   auto tiff = image->tiffRepresentation();
   if (!tiff) return tiff.error();

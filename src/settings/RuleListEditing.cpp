@@ -53,6 +53,12 @@ std::string templateName(const PropertyList& record) {
   return templateName(record, record.stringForKey(record_field::displayName));
 }
 
+bool namesTemplate(const PropertyList::Array& records, const std::string& fileName) {
+  return std::any_of(records.begin(), records.end(), [&fileName](const PropertyList& record) {
+    return templateName(record) == fileName;
+  });
+}
+
 }  // namespace
 
 RuleListEditing::RuleListEditing(Platform& platform, UserDefaults& standardUserDefaults,
@@ -86,9 +92,10 @@ void RuleListEditing::removeRule(RuleList list) {
   const std::string fileName = templateName(*record);
   auto& rows = workingLists_.list(list);
   rows.erase(rows.begin() + static_cast<std::ptrdiff_t>(*row));
+  const bool isLastOfItsName = !namesTemplate(rows, fileName);
   store(list, Synchronize::Yes);
   reloadData(list);
-  if (list == RuleList::CreateNewFile) {
+  if (list == RuleList::CreateNewFile && isLastOfItsName) {
     logFailure("a template stays", templateFiles_.remove(fileName));
   }
   selectAfterRemoval(list, row);

@@ -45,17 +45,18 @@ class RuleListEditing {
 
   /// Lets the user pick files or folders in a panel of its own, from the folder where rows were
   /// last added to this list or else from the desktop, and appends a row for each when it ends.
-  /// Returns at once. Files become templates and icons; one that cannot be taken gets no row, one
-  /// that has the name of a template replaces it. Not for the Others list.
+  /// Returns at once. Files become templates and icons, links under their own names what they lead
+  /// to; one that cannot be taken gets no row, one that has the name of a template replaces it. Not
+  /// for the Others list.
   void addRule(RuleList list);
 
   /// Lets the user pick the folder of a row of the copy-files-to list in a panel of its own, from
   /// the desktop. The row gets its full path and loses its title. Returns at once.
   void selectPath(std::size_t row);
 
-  /// Removes the selected row, where there is one, with its template; selects the one before it,
-  /// or the new first one. An empty list disables its remove button. Publishes in any case. Not
-  /// for the Others list; nothing without a view.
+  /// Removes the selected row, where there is one, with its template unless another row names the
+  /// same one; selects the row before it, or the new first one. An empty list disables its remove
+  /// button. Publishes in any case. Not for the Others list; nothing without a view.
   void removeRule(RuleList list);
 
   /// Asks whether all rows of a list are to go; true for "OK".

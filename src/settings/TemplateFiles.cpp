@@ -22,9 +22,11 @@ std::string TemplateFiles::nameOf(std::string_view displayName, std::string_view
 Status TemplateFiles::add(const std::string& sourcePath) {
   const auto path = pathOf("copy", lastPathComponent(sourcePath));
   if (!path) return path.error();
-  const auto contents = fileManager_.contentsAtPath(sourcePath);
-  if (!contents) return contents.error();
-  return fileManager_.createFileAtPath(path.value(), contents.value(), FileManager::Replace::Yes);
+  const Status folder = fileManager_.createDirectoryAtPath(
+      deletingLastPathComponent(path.value()), FileManager::IntermediateDirectories::Create);
+  if (!folder) return folder.error();
+  return fileManager_.copyFileReplacingAtPath(fileManager_.resolvingSymlinksInPath(sourcePath),
+                                              path.value());
 }
 
 Status TemplateFiles::rename(const std::string& name, const std::string& newName) {

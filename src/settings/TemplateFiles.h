@@ -26,8 +26,10 @@ class TemplateFiles {
   /// The template's file name for a display name and an extension.
   static std::string nameOf(std::string_view displayName, std::string_view extension);
 
-  /// Copies the contents of the file at `sourcePath` (absolute) into the folder under its own name.
-  /// A file that has the name is replaced in one step, and stands unchanged after a failure.
+  /// Copies the file at `sourcePath` (absolute), with its rights and attributes, into the folder
+  /// under its own name; makes the folder where it is missing. A link stands for the file that it
+  /// leads to, which a started scope covers. A file that has the name is replaced in one step, and
+  /// stands unchanged after a failure.
   Status add(const std::string& sourcePath);
 
   /// Gives a template another name; one that another file has fails with file_exists.

@@ -130,6 +130,27 @@ TEST_F(AddingRules, CopiesFilesAsTemplates) {
   EXPECT_EQ(stored("prePathOfCreateNewFile"), PropertyList("/srv/data"));
 }
 
+TEST_F(AddingRules, TakesWhatALinkLeadsToUnderTheNameOfTheLink) {
+  fileManager.addSymlink("/home/ada/Pictures/link.sh", "/srv/data/Makefile");
+  fileManager.addSymlink("/home/ada/Pictures/link.png", "../../../srv/data/one.png");
+  add(RuleList::CreateNewFile, {"/home/ada/Pictures/link.sh"});
+  add(RuleList::CustomIcon, {"/home/ada/Pictures/link.png"});
+  EXPECT_EQ(templateText("link.sh"), "all:");
+  EXPECT_EQ(fileManager.targetOfSymlink(templates + "/link.sh"), std::nullopt);
+  EXPECT_THAT(namesOf(rules().rows(RuleList::CreateNewFile)), ElementsAre("link"));
+  EXPECT_THAT(namesOf(rules().rows(RuleList::CustomIcon)), ElementsAre("link.png"));
+  EXPECT_EQ(stored("prePathOfCreateNewFile"), PropertyList("/home/ada/Pictures"));
+  EXPECT_EQ(stored("prePathOfCustomIcon"), PropertyList("/home/ada/Pictures"));
+  EXPECT_THAT(log.lines(), IsEmpty());
+}
+
+TEST_F(AddingRules, MakesTheFolderOfTemplatesAnew) {
+  fileManager.discardItem("/containers");
+  add(RuleList::CreateNewFile, {"/srv/data/Makefile"});
+  EXPECT_EQ(templateText("Makefile"), "all:");
+  EXPECT_THAT(log.lines(), IsEmpty());
+}
+
 TEST_F(AddingRules, LeavesOutTemplatesThatCannotBeCopied) {
   fileManager.addFile(templates + "/Makefile", "an older one");
   fileManager.failOn(templates + "/Makefile", std::errc::no_space_on_device);

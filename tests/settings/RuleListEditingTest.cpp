@@ -87,15 +87,18 @@ TEST_F(RuleEditing, RemovesTheTemplateOfARow) {
   select(RuleList::CommonPath, 0);
   rules().removeRule(RuleList::CommonPath);
   EXPECT_EQ(templateText("Text.txt"), "text");
-  select(RuleList::CreateNewFile, 1);
-  rules().removeRule(RuleList::CreateNewFile);
-  EXPECT_EQ(templateText("Text.txt"), std::nullopt);
+  for (const auto& left : {std::optional<std::string>("text"), std::optional<std::string>()}) {
+    select(RuleList::CreateNewFile, 1);
+    rules().removeRule(RuleList::CreateNewFile);
+    EXPECT_EQ(templateText("Text.txt"), left);
+  }
   EXPECT_EQ(templateText("Other.txt"), "other");
+  expectRows(RuleList::CreateNewFile, {templateRow("Other", "txt"), templateRow("Format", "")});
   EXPECT_THAT(log.lines(), IsEmpty());
 
+  show(RuleList::CreateNewFile, {templateRow("Other", "txt"), templateRow("Text", "txt")});
   select(RuleList::CreateNewFile, 1);
   rules().removeRule(RuleList::CreateNewFile);
-  expectRows(RuleList::CreateNewFile, {templateRow("Other", "txt"), templateRow("Format", "")});
   EXPECT_THAT(log.lines(), ElementsAre(HasSubstr("Text.txt")));
 }
 
@@ -129,6 +132,17 @@ TEST_F(RuleEditing, TouchesNoFileOutsideOfTheTemplates) {
     show(RuleList::CreateNewFile, {templateRow("Text", "txt")});
   }
   EXPECT_EQ(fileManager.allPaths(), before);
+}
+
+TEST_F(RuleEditing, RemovingARowLeavesTheTemplateThatAnotherRowHasGotItsTitleOf) {
+  fileManager.addFile(templates + "/A.txt", "a");
+  fileManager.addFile(templates + "/B.txt", "b");
+  show(RuleList::CreateNewFile, {templateRow("A", "txt"), templateRow("B", "txt")});
+  rules().controlTextShouldEndEditing("NewFileDisplayName", 1, "A");
+  select(RuleList::CreateNewFile, 1);
+  rules().removeRule(RuleList::CreateNewFile);
+  EXPECT_EQ(templateText("A.txt"), "a");
+  expectRows(RuleList::CreateNewFile, {templateRow("A", "txt")});
 }
 
 // Resetting

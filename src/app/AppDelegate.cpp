@@ -91,11 +91,7 @@ void AppDelegate::applicationWillTerminate() {
 void AppDelegate::delayedAfterLaunch() {
   if (prefswindow_ && prefswindow_->isVisible()) return;
   if (!opened_) openPreferences();
-  if (prefswindow_ && prefswindow_->isOfOtherProcess()) {
-    settingsController().observeMirroredSwitches();
-  } else if (!settingsController_) {
-    settingsController().viewDidLoad();
-  }
+  if (!settingsController_) settingsController().viewDidLoad();
 }
 
 void AppDelegate::receiveSleepNotification() {
@@ -117,7 +113,11 @@ void AppDelegate::openPreferences() {
 PreferencesWindow& AppDelegate::preferencesWindow() {
   if (prefswindow_) return *prefswindow_;
   prefswindow_ = makePreferencesWindow_(*standardUserDefaults_, settingsController());
-  if (prefswindow_->isOfOtherProcess()) return *prefswindow_;
+  if (prefswindow_->isOfOtherProcess()) {
+    // The other process does so for as long as it shows the window.
+    settingsController().observeMirroredSwitches();
+    return *prefswindow_;
+  }
   prefswindow_->setMovableByWindowBackground(true);
   prefswindow_->setAuthorizeRootButtonState(isRootAuthorized());
   prefswindow_->setAuthorizeRootButtonAction([this] { authorizeRootButtonClick(); });

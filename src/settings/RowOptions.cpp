@@ -37,6 +37,13 @@ int chosenOption(const RowOption& option, const UserDefaults& standardUserDefaul
   return standardUserDefaults.boolForKey(deciding.key) == deciding.values[1] ? 1 : 0;
 }
 
+int choiceWithValue(const RowOption& option, std::string_view key, bool value) {
+  const auto setting =
+      std::find_if(option.settings.begin(), option.settings.end(),
+                   [key](const auto& each) { return each.key != nullptr && each.key == key; });
+  return setting != option.settings.end() && setting->values[1] == value ? 1 : 0;
+}
+
 void chooseOption(const RowOption& option, int choice, UserDefaults& standardUserDefaults) {
   if (choice != 0 && choice != 1) return;
   for (const OptionSetting& setting : option.settings) {

@@ -35,6 +35,9 @@ const RowOption* optionOfAction(std::string_view action);
 /// as off.
 int chosenOption(const RowOption& option, const UserDefaults& standardUserDefaults);
 
+/// The choice that gives the setting with that key, one of the option's, a value.
+int choiceWithValue(const RowOption& option, std::string_view key, bool value);
+
 /// Stores a choice, 0 or 1, in the standard store; any other number does nothing.
 void chooseOption(const RowOption& option, int choice, UserDefaults& standardUserDefaults);
 

@@ -8,6 +8,7 @@
 #include "foundation/PathString.h"
 #include "foundation/Translatable.h"
 #include "settings/RowOptions.h"
+#include "settings/TemplateFiles.h"
 
 namespace tavrin {
 
@@ -26,12 +27,12 @@ constexpr std::array copyFilesToColumns{
     RuleColumn{"Enable", translatable("Enabled"), Kind::Switch},
     RuleColumn{"SendFileIcon", translatable("Icon"), Kind::Icon},
     RuleColumn{"DisplayName", translatable("Name"), Kind::Text},
-    RuleColumn{"realPath", translatable("Folder"), Kind::Text},
+    RuleColumn{column_identifier::realPath, translatable("Folder"), Kind::Text},
 };
 constexpr std::array commonPathColumns{
     RuleColumn{"commonPathIcon", translatable("Icon"), Kind::Icon},
     RuleColumn{"commonPathDisplayName", translatable("Name"), Kind::Text},
-    RuleColumn{"realPath", translatable("Folder"), Kind::Text},
+    RuleColumn{column_identifier::realPath, translatable("Folder"), Kind::Text},
 };
 constexpr std::array customIconColumns{
     RuleColumn{"Enable", translatable("Enabled"), Kind::Switch},
@@ -43,7 +44,7 @@ constexpr std::array othersColumns{
     RuleColumn{"OthersEnable", translatable("Enabled"), Kind::Switch},
     RuleColumn{"OthersIcon", translatable("Icon"), Kind::Icon},
     RuleColumn{"OthersDisplayName", translatable("Name"), Kind::Text},
-    RuleColumn{"Option", translatable("Option"), Kind::Option},
+    RuleColumn{column_identifier::option, translatable("Option"), Kind::Option},
 };
 
 constexpr int iconSide = 28;
@@ -140,15 +141,16 @@ RuleCell RuleRows::tableViewForCreateNewFile(std::string_view column,
   if (column != "NewFileIcon") return {};
   std::string title = record.stringForKey(record_field::displayName);
   return iconCell(
-      row_icon::ImageFile{appendingPathComponent(templatesFolder_, extension + ".png"),
-                          appendingPathComponent(templatesFolder_, title + "." + extension)},
+      row_icon::ImageFile{
+          appendingPathComponent(templatesFolder_, extension + ".png"),
+          appendingPathComponent(templatesFolder_, TemplateFiles::nameOf(title, extension))},
       iconSide);
 }
 
 RuleCell RuleRows::tableViewForCopyTo(std::string_view column, const PropertyList& record) const {
   // The end of editing tells this list by "Note".
   if (column == "DisplayName") return editableCell(folderTitleOf(record), "Note");
-  if (column == "realPath") return pathCell(record);
+  if (column == column_identifier::realPath) return pathCell(record);
   if (column == "Enable") return switchCell(record, record_field::enable);
   if (column == "SendFileIcon") return folderIconCell(record);
   return {};
@@ -159,7 +161,7 @@ RuleCell RuleRows::tableViewForCommonPath(std::string_view column,
   if (column == "commonPathDisplayName") {
     return editableCell(folderTitleOf(record), "commonPathDisplayName");
   }
-  if (column == "realPath") return pathCell(record);
+  if (column == column_identifier::realPath) return pathCell(record);
   if (column == "commonPathIcon") return folderIconCell(record);
   return {};
 }
@@ -195,7 +197,7 @@ RuleCell RuleRows::tableViewForOthers(std::string_view column, const PropertyLis
     cell.isSwitchEnabled = !isAlwaysOn(record);
     return cell;
   }
-  return column == "Option" ? optionCell(action) : RuleCell();
+  return column == column_identifier::option ? optionCell(action) : RuleCell();
 }
 
 RuleCell RuleRows::optionCell(const std::string& action) const {
@@ -224,7 +226,12 @@ std::string RuleRows::folderTitleOf(const PropertyList& record) const {
 }
 
 RuleCell RuleRows::pathCell(const PropertyList& record) const {
-  return textCell(abbreviatingHome(record.stringForKey(record_field::realPath), homePath_));
+  std::string path = record.stringForKey(record_field::realPath);
+  for (std::size_t home = path.find(homePath_); home != path.npos && !homePath_.empty();
+       home = path.find(homePath_, home + 1)) {
+    path.replace(home, homePath_.size(), "~");
+  }
+  return textCell(std::move(path));
 }
 
 RuleCell RuleRows::folderIconCell(const PropertyList& record) const {

@@ -26,6 +26,14 @@ struct RuleColumn {
   bool isCentred = kind == Kind::Switch;
 };
 
+/// Columns that others ask for by their identifiers.
+namespace column_identifier {
+
+inline constexpr const char* realPath = "realPath";
+inline constexpr const char* option = "Option";
+
+}  // namespace column_identifier
+
 /// The columns of a list's table, from the first to the last.
 std::span<const RuleColumn> columnsOfRuleList(RuleList list);
 

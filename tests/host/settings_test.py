@@ -3,7 +3,8 @@
 import plistlib
 import re
 
-from session import APPLICATION_ID, BUILD_DIR, GROUP, HostTest, main, wait_until
+from session import (APPLICATION_ID, APPLICATION_PATH, BUILD_DIR, GROUP, PREFERENCES_WINDOW,
+                     HostTest, main, wait_until)
 
 WATCHER = "org.kde.StatusNotifierWatcher"
 
@@ -57,6 +58,17 @@ class Settings(HostTest):
             wait_until(lambda expected=value: self.group_has(
                 soundTipsOfNewFile=expected, enableCommonPath=expected,
                 enableIconOfOthers=expected), f"the switches to be {value}")
+
+    def test_switches_are_mirrored_after_the_window_was_closed(self):
+        self.session.start_waiting_host()
+        self.session.call_bus(APPLICATION_PATH, "org.freedesktop.Application.Activate", "{}")
+        self.session.wait_for_window(PREFERENCES_WINDOW)
+        self.session.key("alt+F4")
+        self.session.wait_for_no_window(PREFERENCES_WINDOW)
+        for value in (False, True):
+            self.session.defaults("write", "standard", "soundTipsOfNewFile", "-bool",
+                                  yes_or_no(value))
+            wait_until(lambda value=value: self.group_has(soundTipsOfNewFile=value), "the mirror")
 
     def test_other_settings_are_not_mirrored(self):
         self.session.start_waiting_host()

@@ -42,7 +42,7 @@ void OptionCells::place() {
   clear();
   QAbstractItemModel& model = *table_.model();
   const auto& rules = static_cast<const RuleTableModel&>(model);
-  const int column = rules.columnWithIdentifier("Option");
+  const int column = rules.columnWithIdentifier(column_identifier::option);
   std::vector<QWidget*> placed;
   for (int row = 0; row < model.rowCount(); ++row) {
     const QModelIndex index = model.index(row, column);

@@ -25,6 +25,13 @@ constexpr int headIconSize = 36;
 /// name have everywhere.
 constexpr const char* frameKey = "NSWindow Frame Prefswindow";
 
+/// The size of a frame as far as its screen has room for it.
+QSize boundedByScreen(const QRect& frame) {
+  const QScreen* screen = QGuiApplication::screenAt(frame.center());
+  if (screen == nullptr) screen = QGuiApplication::primaryScreen();
+  return frame.size().boundedTo(screen->availableSize());
+}
+
 /// Of the window's title bar, so much must be on a screen to be grasped.
 constexpr int leastVisible = 80;
 
@@ -147,13 +154,15 @@ void QtPreferencesWindow::saveFrame() {
 }
 
 void QtPreferencesWindow::restoreFrame() {
+  setMinimumSize(boundedByScreen({pos(), minimumSize()}));
+  resize(boundedByScreen({pos(), size()}));
   const auto stored = standardUserDefaults_.stringForKey(frameKey);
   const QStringList numbers =
       QString::fromStdString(stored.value_or("")).split(u' ', Qt::SkipEmptyParts);
   if (numbers.size() != 4) return;
   const QRect frame(numbers[0].toInt(), numbers[1].toInt(), numbers[2].toInt(), numbers[3].toInt());
   if (!isOnScreen(frame)) return;
-  resize(frame.size());
+  resize(boundedByScreen(frame));
   move(frame.topLeft());
 }
 

@@ -8,6 +8,7 @@
 #include <QPixmap>
 #include <QStyle>
 #include <algorithm>
+#include <limits>
 
 #include "settings/window/RuleTableModel.h"
 #include "settings/window/WindowPalette.h"
@@ -102,7 +103,18 @@ QWidget* RuleCellDelegate::createEditor(QWidget* parent, const QStyleOptionViewI
   const QVariant title =
       index.model()->headerData(index.column(), Qt::Horizontal, Qt::AccessibleTextRole);
   if (editor != nullptr) editor->setAccessibleName(title.toString());
+  // A longer title would be cut as soon as it is edited.
+  if (auto* line = qobject_cast<QLineEdit*>(editor)) {
+    line->setMaxLength(std::numeric_limits<int>::max());
+  }
   return editor;
+}
+
+void RuleCellDelegate::setEditorData(QWidget* editor, const QModelIndex& index) const {
+  // A list that another program stores meanwhile must not take away what is being typed.
+  const auto* line = qobject_cast<QLineEdit*>(editor);
+  if (line != nullptr && line->isModified()) return;
+  QStyledItemDelegate::setEditorData(editor, index);
 }
 
 void RuleCellDelegate::updateEditorGeometry(QWidget* editor, const QStyleOptionViewItem& option,

@@ -12,12 +12,21 @@ QVariant alignment(bool isCentred) {
   return QVariant(Qt::AlignVCenter | (isCentred ? Qt::AlignHCenter : Qt::AlignLeading));
 }
 
+/// A tool tip would take a text with tags for one in HTML, and load its pictures.
+QString plainToolTip(const std::string& text) {
+  constexpr int longest = 500;
+  const QString shown = QString::fromStdString(text).left(longest).toHtmlEscaped();
+  return shown.isEmpty() ? shown : QStringLiteral("<qt>%1</qt>").arg(shown);
+}
+
 /// Paths and sizes read from left to right whatever surrounds them (Unicode's isolates).
 QString shownText(const RuleCell& cell) {
   QString text = QString::fromStdString(cell.text);
   const bool isTitle = !cell.editingIdentifier.empty();
   if (isTitle || text.isEmpty() || !QGuiApplication::isRightToLeft()) return text;
-  return QChar(0x2066) + text + QChar(0x2069);
+  constexpr QChar leftToRightIsolate(0x2066);
+  constexpr QChar popDirectionalIsolate(0x2069);
+  return leftToRightIsolate + text + popDirectionalIsolate;
 }
 
 }  // namespace
@@ -116,7 +125,7 @@ QVariant RuleTableModel::appearance(const RuleColumn& column, const RuleCell& ce
     case IconSideRole:
       return cell.iconSide;
     case Qt::ToolTipRole:
-      return QString::fromStdString(cell.text);
+      return plainToolTip(cell.text);
     case Qt::TextAlignmentRole:
       return alignment(cell.isCentred);
     case Qt::AccessibleTextRole:
@@ -137,8 +146,6 @@ QVariant RuleTableModel::headerData(int section, Qt::Orientation orientation, in
       return localized(column.title);
     case Qt::TextAlignmentRole:
       return alignment(column.isCentred);
-    case IdentifierRole:
-      return QString::fromUtf8(column.identifier);
     default:
       return {};
   }

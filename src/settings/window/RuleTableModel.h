@@ -16,10 +16,8 @@ class RuleTableModel final : public QAbstractTableModel {
 
  public:
   enum Role {
-    /// The column's identifier, of a header.
-    IdentifierRole = Qt::UserRole,
     /// The side of the picture in points.
-    IconSideRole,
+    IconSideRole = Qt::UserRole,
     /// Whether a cell holds a switch that the user cannot change.
     IsLockedRole,
     /// The command whose option control the cell holds.

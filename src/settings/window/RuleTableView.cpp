@@ -84,7 +84,7 @@ void RuleTableView::layOutColumns() {
     }
   }
   header->setSectionResizeMode(ruleModel_->titleColumn(), QHeaderView::Stretch);
-  const int path = ruleModel_->columnWithIdentifier("realPath");
+  const int path = ruleModel_->columnWithIdentifier(column_identifier::realPath);
   if (path >= 0) header->setSectionResizeMode(path, QHeaderView::Stretch);
 }
 
@@ -115,11 +115,12 @@ void RuleTableView::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_F2:
       return editTitle();
     case Qt::Key_Delete:
-      Q_EMIT removeRequested();
+      // Held down, the key would empty the list.
+      if (!event->isAutoRepeat() && event->modifiers() == Qt::NoModifier) Q_EMIT removeRequested();
       return;
     case Qt::Key_Up:
     case Qt::Key_Down:
-      if (event->modifiers() == Qt::AltModifier && moveSelectedRow(event->key())) return;
+      if (event->modifiers() == Qt::AltModifier) return moveSelectedRow(event->key());
       break;
     case Qt::Key_Space:
       if (toggleRow()) return;
@@ -136,11 +137,10 @@ void RuleTableView::focusInEvent(QFocusEvent* event) {
   if (isKeyboardFocus(*event) && selectedRow() < 0) selectRow(std::max(currentIndex().row(), 0));
 }
 
-bool RuleTableView::moveSelectedRow(int key) {
+void RuleTableView::moveSelectedRow(int key) {
   const int row = selectedRow();
   const int target = key == Qt::Key_Up ? row - 1 : row + 1;
   if (row >= 0 && target >= 0 && target < model()->rowCount()) Q_EMIT moveRequested(row, target);
-  return true;
 }
 
 /// Space switches the row whatever its current cell is, except where that has a switch of its own.

@@ -55,7 +55,7 @@ class RuleTableView final : public QTableView {
 
  private:
   void layOutColumns();
-  bool moveSelectedRow(int key);
+  void moveSelectedRow(int key);
   bool toggleRow();
   bool isOwnDrag(const QDropEvent& event) const;
   int gapAt(const QPoint& position) const;

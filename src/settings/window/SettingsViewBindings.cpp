@@ -45,23 +45,27 @@ void SettingsViewController::makeOptions() {
     const char* action;
     QComboBox* popUp;
     QAbstractButton* checkBox;
-    int checkedChoice;
+    const char* key;
   };
   const Ui::PreferencesWindow& ui = outlets_;
   const OptionOutlets optionOutlets[] = {
-      {"Cut", ui.popUpButtonOfCut, ui.enableHideWhenCutting, 1},
-      {"Delete directly", ui.popUpButtonOfDirectDelete, ui.deleteDirectlyRequiresConfirmation, 0},
-      {"Open in Terminal", ui.popUpButtonOfOpeninTerminal, ui.enableOpenInTerminalWithWindow, 1},
-      {"Open in iTerm2", ui.popUpButtonOfOpeniTerm2, ui.enableOpenIniTerm2WithWindow, 1},
-      {"Image to Icon for mac", ui.popUpButtonOfImageToIconInMac, ui.enableImageToIconInMac, 1},
+      {"Cut", ui.popUpButtonOfCut, ui.enableHideWhenCutting, settings_key::enableHideWhenCutting},
+      {"Delete directly", ui.popUpButtonOfDirectDelete, ui.deleteDirectlyRequiresConfirmation,
+       settings_key::deleteDirectlyRequiresConfirmation},
+      {"Open in Terminal", ui.popUpButtonOfOpeninTerminal, ui.enableOpenInTerminalWithWindow,
+       settings_key::enableOpenInTerminalWithWindow},
+      {"Open in iTerm2", ui.popUpButtonOfOpeniTerm2, ui.enableOpenIniTerm2WithWindow,
+       settings_key::enableOpenIniTerm2WithWindow},
+      {"Image to Icon for mac", ui.popUpButtonOfImageToIconInMac, ui.enableImageToIconInMac,
+       settings_key::enableImageToIconInMac},
   };
-  for (const auto& [action, popUp, checkBox, checkedChoice] : optionOutlets) {
+  for (const auto& [action, popUp, checkBox, key] : optionOutlets) {
     const RowOption& option = *optionOfAction(action);
     for (const char* choice : option.choices) popUp->addItem(localized(choice));
     // The name of a pop-up is its choice here, whatever it is given.
     popUp->setAccessibleDescription(popUp->accessibleName());
     bindings_.bind(*popUp, option);
-    bindings_.bind(*checkBox, option, checkedChoice);
+    bindings_.bind(*checkBox, option, key);
     options_.setControl(action, *popUp);
   }
   const std::array helpButtons{ui.helpButtonAboutService1, ui.helpButtonAboutService2,

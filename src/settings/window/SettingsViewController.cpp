@@ -205,8 +205,8 @@ void SettingsViewController::connectListButtons() {
   });
   connect(ui.copyFilesToTableView, &QAbstractItemView::doubleClicked, this,
           [this](const QModelIndex& index) {
-            const int path =
-                outletsOf(RuleList::CopyFilesTo).model->columnWithIdentifier("realPath");
+            const int path = outletsOf(RuleList::CopyFilesTo)
+                                 .model->columnWithIdentifier(column_identifier::realPath);
             if (index.column() == path) selectPath(static_cast<std::size_t>(index.row()));
           });
 }

@@ -19,16 +19,16 @@ class SwitchBindings {
 
   /// A check box and a boolean setting.
   void bind(QAbstractButton& checkBox, const char* key);
-  /// A check box that is on for one of the two choices of an option.
-  void bind(QAbstractButton& checkBox, const RowOption& option, int checkedChoice);
+  /// A check box and the boolean setting of an option with that key; a click chooses in the whole
+  /// option.
+  void bind(QAbstractButton& checkBox, const RowOption& option, const char* key);
   /// A pop-up that shows both choices of an option.
   void bind(QComboBox& popUp, const RowOption& option);
 
  private:
   template <typename Update>
   void follow(const char* key, const Update& update);
-  template <typename Update>
-  void follow(const RowOption& option, const Update& update);
+  void show(QAbstractButton& checkBox, const char* key);
 
   UserDefaults& standardUserDefaults_;
   std::vector<Observation> observations_;

@@ -127,10 +127,14 @@ void installViewer(const std::string& applications, const std::string& notes) {
 
 class WorkspaceTest : public testing::Test {
  protected:
+  // GIO's own connection would end this program with the test's bus.
+  WorkspaceTest() { g_dbus_connection_set_exit_on_close(shared_.get(), FALSE); }
+
   std::string noteOf(const std::string& name) const { return test::readFile(folder_ / name); }
 
   test::PrivateBus bus_{"DBUS_SESSION_BUS_ADDRESS"};
   GObjectPointer<GDBusConnection> connection_ = bus_.connect();
+  GObjectPointer<GDBusConnection> shared_{g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr)};
   test::TemporaryFolder folder_;
   FakeLog log_;
   FakeBundle bundle_;
@@ -169,10 +173,6 @@ TEST_F(WorkspaceTest, opensAFolderWithItsApplicationWhereNoFileManagerIsOnTheBus
   EXPECT_TRUE(test::waitUntil([&] { return !noteOf("notes").empty(); }));
   LinuxWorkspace withoutBus(nullptr, applications_, nullptr, log_);
   withoutBus.selectNoFileInFileViewerRootedAtPath("/");
-  // GIO's own connection would end this program with the test's bus.
-  const GObjectPointer<GDBusConnection> shared(
-      g_bus_get_sync(G_BUS_TYPE_SESSION, nullptr, nullptr));
-  g_dbus_connection_set_exit_on_close(shared.get(), FALSE);
   EXPECT_TRUE(test::waitUntil([&] { return test::linesOf(noteOf("notes")).size() == 2; }));
   // Of a type that needs no database to be told.
   withoutBus.openFile("/usr");

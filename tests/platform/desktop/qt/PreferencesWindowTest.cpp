@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
 #include <algorithm>
 #include <cmath>
@@ -69,13 +71,16 @@ TEST_F(PreferencesWindowTest, isTheMainWindowUnderItsNameAndTellsWhenItIsClosed)
 
 TEST_F(PreferencesWindowTest, comesBackInTheSizeThatTheUserGaveIt) {
   window().makeKeyAndOrderFront();
-  window().resize(830, 555);
+  window().resize(790, 555);
   window().close();
   window_.reset();
-  EXPECT_EQ(window().size(), QSize(830, 555));
+  EXPECT_EQ(window().size(), QSize(790, 555));
   window_.reset();
-  standard_->setObject("100000 100000 820 550", "NSWindow Frame Prefswindow");
-  EXPECT_NE(window().size(), QSize(820, 550)) << "a place that no screen shows";
+  standard_->setObject("100000 100000 780 550", "NSWindow Frame Prefswindow");
+  EXPECT_NE(window().size(), QSize(780, 550)) << "a place that no screen shows";
+  window_.reset();
+  standard_->setObject("0 0 100000 100000", "NSWindow Frame Prefswindow");
+  EXPECT_EQ(window().size(), window().screen()->availableSize());
 }
 
 TEST_F(PreferencesWindowTest, onlyTheUserCallsTheActionOfTheCheckBox) {
@@ -154,6 +159,44 @@ TEST_F(PreferencesWindowTest, keysSwitchAndMoveTheSelectedRow) {
   EXPECT_EQ(actionAt(1), "Translate by Google") << "a locked switch stays";
 }
 
+TEST_F(PreferencesWindowTest, anEditorKeepsWhatIsTypedAndTheWholeOfALongTitle) {
+  const std::string title(40000, 'x');
+  PropertyList::Array rows = othersRows();
+  rows[0].dictionaryIfDictionary()->insert_or_assign("displayName", title);
+  rows[0].dictionaryIfDictionary()->insert_or_assign("nameModified", "1");
+  standard_->setObject(rows, settings_key::arrOfOthers);
+  auto& table = outlet<RuleTableView>("othersTableView");
+  window().makeKeyAndOrderFront();
+  outlet<SidebarButton>("otherOptionButton").click();
+  table.selectRow(0);
+  table.editTitle();
+  auto* editor = table.findChild<QLineEdit*>();
+  ASSERT_NE(editor, nullptr);
+  EXPECT_EQ(editor->text().toStdString(), title);
+  QTest::keyClicks(editor, QStringLiteral("mine"));
+  system_.userDefaults.changeFromElsewhere("", settings_key::arrOfOthers, othersRows());
+  system_.userDefaults.processChanges();
+  EXPECT_EQ(editor->text(), QStringLiteral("mine"));
+  QTest::keyClick(editor, Qt::Key_Return);
+  EXPECT_TRUE(QTest::qWaitFor([&] {
+    return settingsController_.rules().rows(RuleList::Others)[0].stringForKey("displayName") ==
+           "mine";
+  }));
+}
+
+TEST_F(PreferencesWindowTest, toolTipsShowTextsAsTheyAre) {
+  standard_->setObject(PropertyList::Array{PropertyList::Dictionary{
+                           {"realPath", "/<img src='/x'>" + std::string(9999, 'y')}}},
+                       settings_key::arrOfCopyFilesTo);
+  const QString tip = outlet<RuleTableView>("copyFilesToTableView")
+                          .model()
+                          ->index(0, 3)
+                          .data(Qt::ToolTipRole)
+                          .toString();
+  EXPECT_TRUE(tip.contains(QStringLiteral("&lt;img"))) << tip.toStdString();
+  EXPECT_LT(tip.size(), 600);
+}
+
 /// The contrast of WCAG 2: from 1, the same colour, to 21, black on white.
 double contrastRatio(const QColor& one, const QColor& other) {
   const auto luminance = [](const QColor& colour) {
@@ -163,7 +206,7 @@ double contrastRatio(const QColor& one, const QColor& other) {
     return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
            0.0722 * linear(colour.blueF());
   };
-  const auto [low, high] = std::minmax(luminance(one), luminance(other));
+  const auto [low, high] = std::minmax({luminance(one), luminance(other)});
   return (high + 0.05) / (low + 0.05);
 }
 

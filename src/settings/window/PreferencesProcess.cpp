@@ -16,6 +16,10 @@ PreferencesProcess::PreferencesProcess(Platform& platform) : platform_(platform)
   process_.setProcessChannelMode(QProcess::ForwardedErrorChannel);
   QObject::connect(&process_, &QProcess::readyReadStandardOutput, &process_,
                    [this] { readAnswers(); });
+  QObject::connect(&process_, &QProcess::errorOccurred, &process_,
+                   [this](QProcess::ProcessError error) {
+                     if (error == QProcess::FailedToStart) failedToStart();
+                   });
   QObject::connect(&process_, &QProcess::finished, &process_,
                    [this](int exitCode, QProcess::ExitStatus status) { ended(exitCode, status); });
 }
@@ -36,6 +40,7 @@ void PreferencesProcess::setClosedAction(std::function<void()> action) {
 
 void PreferencesProcess::makeKeyAndOrderFront() {
   if (!isVisible()) start();
+  if (!isVisible()) return;
   ++unansweredWishes_;
   process_.write(showLine);
 }
@@ -44,9 +49,12 @@ void PreferencesProcess::start() {
   unansweredWishes_ = 0;
   process_.start(QFile::decodeName(platform_.bundle.bundlePath().c_str()),
                  {QString::fromUtf8(preferencesWindowOption)});
-  if (process_.waitForStarted(patienceMilliseconds)) return;
+}
+
+void PreferencesProcess::failedToStart() {
   platform_.log.write("the preferences window cannot be started: " +
                       process_.errorString().toStdString());
+  if (closedAction_) closedAction_();
 }
 
 void PreferencesProcess::readAnswers() {

@@ -37,6 +37,7 @@ class PreferencesProcess final : public PreferencesWindow {
 
  private:
   void start();
+  void failedToStart();
   void readAnswers();
   void ended(int exitCode, QProcess::ExitStatus status);
 

@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+#include <utility>
 
 #include "settings/window/PreferencesProcess.h"
 #include "tests/support/FakePlatform.h"
@@ -80,8 +81,23 @@ TEST_F(PreferencesProcessTest, aProgramThatCannotBeStartedIsLogged) {
   setProgram("");
   system_.bundle.programPath = "/no/such/program";
   window_->makeKeyAndOrderFront();
-  EXPECT_FALSE(window_->isVisible());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }));
   EXPECT_EQ(system_.log.lines().size(), 1U);
+  EXPECT_EQ(closed_, 1);
+  system_.bundle.programPath.clear();
+  window_->makeKeyAndOrderFront();
+  EXPECT_FALSE(window_->isVisible());
+  EXPECT_EQ(system_.log.lines().size(), 2U);
+}
+
+TEST_F(PreferencesProcessTest, aProgramThatCannotBeStartedIsTriedAgain) {
+  setProgram("read wish; echo $wish >>told; echo $wish\n");
+  const std::string program = std::exchange(system_.bundle.programPath, "/no/such/program");
+  window_->makeKeyAndOrderFront();
+  ASSERT_TRUE(QTest::qWaitFor([&] { return !window_->isVisible(); }));
+  system_.bundle.programPath = program;
+  window_->makeKeyAndOrderFront();
+  EXPECT_TRUE(waitUntilTold("show\n"));
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "platform/linux/AcceptedRequests.h"
 #include "platform/linux/ApplicationIcon.h"
 #include "platform/linux/BusIntake.h"
+#include "platform/linux/DestroyedWindow.h"
 #include "platform/linux/DisplayCheck.h"
 #include "platform/linux/Identity.h"
 #include "platform/linux/LinuxLog.h"
@@ -98,6 +99,8 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
   int argumentCount = 1;
   char* arguments[] = {programName, nullptr};
   const QApplication application(argumentCount, arguments);
+  // No window's end is the host's.
+  QCoreApplication::setQuitLockEnabled(false);
   translateWindows();
 
   LinuxPlatform linuxPlatform(accepted, intake, signalsToEnd, log);
@@ -118,7 +121,8 @@ int runHost(char* programName, AcceptedRequests& accepted, BusIntake& intake,
 /// Shows the preferences window for the host, as it asks by standard input.
 int runPreferencesWindow(char* programName, Log& log) {
   AcceptedRequests accepted;
-  BusIntake noIntake(accepted, log);
+  BusIntake intake(accepted, log);
+  intake.connectOnly();
   TerminationSignals signalsToEnd;
   nameApplication();
   int argumentCount = 1;
@@ -127,7 +131,7 @@ int runPreferencesWindow(char* programName, Log& log) {
   translateWindows();
   ensureApplicationIcon();
 
-  LinuxPlatform linuxPlatform(accepted, noIntake, signalsToEnd, log);
+  LinuxPlatform linuxPlatform(accepted, intake, signalsToEnd, log);
   Platform& platform = linuxPlatform.services();
   const DefaultSettings defaultSettings = loadDefaultSettings(platform);
   AppDelegate host(platform, defaultSettings,
@@ -140,23 +144,29 @@ int runPreferencesWindow(char* programName, Log& log) {
     std::fflush(stdout);
   });
   const ParentPipe wishes(accepted);
+  // The host starts another process for the next wish.
+  const DestroyedWindow destroyedWindow([&platform] { platform.application.terminate(); });
   platform.application.setDelegate(&delegate);
   return platform.application.run();
 }
 
 int start(int argumentCount, char** arguments) {
+  const bool hasParent = ParentPipe::isThere();
   LinuxLog log;
   const CommandLine commandLine = readCommandLine(argumentCount, arguments);
   if (const auto status = answerCommandLine(commandLine, log)) return *status;
+  const bool isOfHost = commandLine.mode == CommandLine::Mode::PreferencesWindow;
+  if (isOfHost && !hasParent) {
+    log.write("the preferences window is for the host alone, which asks for it by a pipe");
+    return usageError;
+  }
 
   // The folder of the start must not be kept from being unmounted.
   if (::chdir("/") != 0) log.write("cannot leave the folder of the start");
   // The notices of the buses come by GLib's loop, which Qt then has to run.
   ::unsetenv("QT_NO_GLIB");  // NOLINT(concurrency-mt-unsafe): no thread runs yet
 
-  if (commandLine.mode == CommandLine::Mode::PreferencesWindow) {
-    return runPreferencesWindow(arguments[0], log);
-  }
+  if (isOfHost) return runPreferencesWindow(arguments[0], log);
   AcceptedRequests accepted;
   BusIntake intake(accepted, log);
   const BusIntake::Outcome outcome = intake.start(launchOf(commandLine));

@@ -76,7 +76,7 @@ struct BusIntake::State {
   ~State() {
     stop();
     if (!connection) return;
-    g_signal_handler_disconnect(connection.get(), closedHandler);
+    if (closedHandler != 0) g_signal_handler_disconnect(connection.get(), closedHandler);
     g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
   }
 
@@ -286,6 +286,12 @@ BusIntake::Outcome BusIntake::start(const Launch& launch) {
   if (outcome == Outcome::HandedOver || outcome == Outcome::Refused) return outcome;
   state_->acceptLaunch(launch);
   return outcome;
+}
+
+void BusIntake::connectOnly() {
+  GLibError error;
+  state_->connection = connectToSessionBus(error);
+  if (!state_->connection) state_->log.write("no session bus: " + error.message());
 }
 
 void BusIntake::serve() {

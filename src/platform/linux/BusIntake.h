@@ -54,6 +54,11 @@ class BusIntake {
   /// Called once. Requests of other programs are kept unanswered until `serve`.
   Outcome start(const Launch& launch);
 
+  /// Instead of `start` and `serve`, for a process that takes no requests: connects to the bus
+  /// without a name there, and goes on when the bus has gone. Why there is no connection is told to
+  /// the log.
+  void connectOnly();
+
   /// Begins to accept requests; without a bus, tells the log why there will be none. Not before the
   /// program is sure to run: what it has accepted it has to handle.
   void serve();

@@ -11,6 +11,7 @@ namespace {
 struct PendingStart {
   const FileViewerKind& kind;
   Log& log;
+  QuitLock untilAnswered = {};
 };
 
 void launchInBackground(const FileViewerKind& kind, Log& log) {
@@ -32,6 +33,7 @@ void FileViewerRestart::start() {
   if (connection_ == nullptr) return log_.write("restart file manager: no session bus");
   std::erase_if(viewers_, [](const auto& entry) { return entry.second->isFinished(); });
   startedKinds_.clear();
+  untilListed_.emplace();
   callBus(connection_, "ListNames", nullptr, pendingCalls_.get(), onNames, this);
 }
 
@@ -42,6 +44,8 @@ void FileViewerRestart::onNames(GObject* connection, GAsyncResult* result, gpoin
   // A cancelled call belongs to an object that is gone.
   if (error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED)) return;
   auto& restart = *static_cast<FileViewerRestart*>(self);
+  const QuitLock untilHandled;
+  restart.untilListed_.reset();
   if (!answer) return restart.log_.write("restart file manager: " + error.message());
   const GLibPointer<GVariant> names(g_variant_get_child_value(answer.get(), 0));
   for (gsize index = 0; index < g_variant_n_children(names.get()); ++index) {

@@ -2,11 +2,13 @@
 
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 
 #include "platform/Log.h"
 #include "platform/linux/GLibPointers.h"
+#include "platform/linux/QuitLock.h"
 #include "platform/linux/RunningFileViewer.h"
 
 namespace tavrin {
@@ -23,7 +25,8 @@ class FileViewerRestart {
   FileViewerRestart& operator=(const FileViewerRestart&) = delete;
 
   /// Ends each known file manager that is running, once it does nothing with files, and starts it
-  /// again without a window. Returns at once. What fails reaches the log, a line for each file
+  /// again without a window. Returns at once; until all is done, closing the last window does not
+  /// end this program. What fails reaches the log, a line for each file
   /// manager.
   void start();
 
@@ -39,6 +42,7 @@ class FileViewerRestart {
   RunningFileViewer::Pace pace_;
   GObjectPointer<GCancellable> pendingCalls_;
   std::map<std::string, std::unique_ptr<RunningFileViewer>> viewers_;
+  std::optional<QuitLock> untilListed_;
   /// One start serves all processes of a kind.
   std::set<const FileViewerKind*> startedKinds_;
 };

@@ -1,5 +1,6 @@
 #include "platform/linux/ParentPipe.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -11,6 +12,11 @@ namespace tavrin {
 ParentPipe::ParentPipe(AcceptedRequests& accepted)
     : accepted_(accepted), notifier_(STDIN_FILENO, QSocketNotifier::Read) {
   connect(&notifier_, &QSocketNotifier::activated, this, [this] { readWishes(); });
+}
+
+bool ParentPipe::isThere() {
+  struct stat input {};
+  return ::fstat(STDIN_FILENO, &input) == 0 && (S_ISFIFO(input.st_mode) || S_ISSOCK(input.st_mode));
 }
 
 void ParentPipe::readWishes() {

@@ -14,6 +14,11 @@ class ParentPipe final : public QObject {
   /// `accepted`, which the wishes go to, outlives this object.
   explicit ParentPipe(AcceptedRequests& accepted);
 
+  /// Whether the standard input is a pipe or a socket: everything else has no end that would tell
+  /// of the other process'. To be asked before this process opens anything, which could take its
+  /// place.
+  static bool isThere();
+
  private:
   void readWishes();
   void accept(ExternalRequest::Kind kind);

@@ -63,6 +63,7 @@ void RunningFileViewer::onVanished(GDBusConnection* connection, const char* /*na
   auto& viewer = *static_cast<RunningFileViewer*>(self);
   // Without a connection it is the bus that went.
   const bool hasEnded = connection != nullptr && viewer.isAsked_;
+  const QuitLock untilStartedAgain;
   viewer.finish();
   if (hasEnded) viewer.ended_();
 }
@@ -146,6 +147,7 @@ void RunningFileViewer::finish() {
   g_cancellable_cancel(pendingCalls_.get());
   if (timer_ != 0) g_source_remove(std::exchange(timer_, 0));
   if (watch_ != 0) g_bus_unwatch_name(std::exchange(watch_, 0));
+  untilFinished_.reset();
 }
 
 }  // namespace tavrin

@@ -10,12 +10,13 @@
 #include "platform/linux/FileViewerKind.h"
 #include "platform/linux/GLibPointers.h"
 #include "platform/linux/ProcessRest.h"
+#include "platform/linux/QuitLock.h"
 
 namespace tavrin {
 
 /// A file manager of the session on its way to its end: it is asked to quit once it does nothing
-/// with files, since most of them break off what they are copying. Nothing ends it by force. Used
-/// on the main thread.
+/// with files, since most of them break off what they are copying. Nothing ends it by force. Until
+/// it is finished, closing the last window does not end this program. Used on the main thread.
 class RunningFileViewer {
  public:
   struct Pace {
@@ -62,6 +63,7 @@ class RunningFileViewer {
   GObjectPointer<GCancellable> pendingCalls_;
   unsigned watch_ = 0;
   unsigned timer_ = 0;
+  std::optional<QuitLock> untilFinished_{std::in_place};
   std::optional<ProcessRest> rest_;
   int looks_ = 0;
   bool isAsked_ = false;

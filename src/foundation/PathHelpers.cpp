@@ -7,11 +7,7 @@
 
 namespace tavrin {
 
-namespace {
-
-constexpr std::string_view folderPlaceholder = translatable("Undefined");
-
-}  // namespace
+constexpr std::string_view undefinedFolder = translatable("Undefined");
 
 std::string uniquePathForPath(const std::string& path, const ItemExists& itemExists) {
   if (!itemExists(path)) return path;
@@ -55,7 +51,7 @@ std::string displayNameOfFolder(const std::string& path, std::string_view homePa
       return localized(std::string(folder));
     }
   }
-  if (path == folderPlaceholder) return localized(std::string(folderPlaceholder));
+  if (path == undefinedFolder) return localized(std::string(undefinedFolder));
   return lastPathComponent(path);
 }
 

@@ -37,10 +37,13 @@ bool isApplicationInstalled(
     const std::string& bundleIdentifier,
     const std::function<std::size_t(const std::string& bundleIdentifier)>& countApplications);
 
+/// What stands in the place of a folder's path where there is no folder yet.
+extern const std::string_view undefinedFolder;
+
 /// The name that a user knows a folder by: the localised name of the six well-known folders of the
 /// home ("~/Downloads", "~/Pictures", "~/Music", "~/Movies", "~/Desktop", "~/Documents") and of the
-/// placeholder "Undefined", otherwise the last component. The comparison is exact: a trailing
-/// separator makes another path.
+/// `undefinedFolder`, otherwise the last component. The comparison is exact: a trailing separator
+/// makes another path.
 std::string displayNameOfFolder(const std::string& path, std::string_view homePath,
                                 const std::function<std::string(const std::string&)>& localized);
 

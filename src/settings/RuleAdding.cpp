@@ -9,7 +9,6 @@ namespace tavrin {
 namespace {
 
 constexpr const char* imageType = "png";
-constexpr const char* yes = "1";
 
 SystemError noImage(const std::string& path) {
   return {"read the image", path, std::make_error_code(std::errc::illegal_byte_sequence)};
@@ -144,10 +143,10 @@ Result<PropertyList::Dictionary> RuleListEditing::recordOfTemplate(const std::st
   const Status added = templateFiles_.add(path);
   if (!added) return added.error();
   return PropertyList::Dictionary{
-      {record_field::enable, yes},
+      {record_field::enable, yesText},
       {record_field::displayName, deletingPathExtension(lastPathComponent(path))},
       {record_field::extension, pathExtension(path)},
-      {record_field::modified, yes}};
+      {record_field::modified, yesText}};
 }
 
 Result<PropertyList::Dictionary> RuleListEditing::recordOfFolder(const std::string& path) {
@@ -167,7 +166,7 @@ Result<PropertyList::Dictionary> RuleListEditing::recordOfIcon(const std::string
   return PropertyList::Dictionary{{record_field::enable, 1},
                                   {record_field::icon, std::move(tiff).value()},
                                   {record_field::displayName, lastPathComponent(path)},
-                                  {record_field::modified, yes}};
+                                  {record_field::modified, yesText}};
 }
 
 }  // namespace tavrin

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "foundation/PathHelpers.h"
 #include "foundation/Translatable.h"
 #include "settings/RuleRows.h"
 #include "settings/SettingsController.h"
@@ -12,7 +13,6 @@ namespace tavrin {
 namespace {
 
 constexpr const char* resetText = translatable("All setting parameters will be reseted!");
-constexpr const char* yes = "1";
 
 /// A kind of text cell, by its identifier.
 struct TextCell {
@@ -154,7 +154,7 @@ void RuleListEditing::switchRow(RuleList list, std::size_t row, std::string_view
     return;
   }
   const bool hasNoFolder = list == RuleList::CopyFilesTo &&
-                           record->stringForKey(record_field::realPath) == undefinedRealPath;
+                           record->stringForKey(record_field::realPath) == undefinedFolder;
   setFields(list, row, {{std::string(field), on && !hasNoFolder ? 1 : 0}});
   commit(list);
 }
@@ -172,7 +172,7 @@ bool RuleListEditing::controlTextShouldEndEditing(std::string_view identifier, s
   const std::string fileName = templateName(*record);
   const std::string newFileName = templateName(*record, text);
   PropertyList::Dictionary fields{{record_field::displayName, text}};
-  if (cell->ownTitleField != nullptr) fields.insert({cell->ownTitleField, yes});
+  if (cell->ownTitleField != nullptr) fields.insert({cell->ownTitleField, yesText});
   setFields(cell->list, row, fields);
   commit(cell->list);
   if (cell->list == RuleList::CreateNewFile && fileName != newFileName) {

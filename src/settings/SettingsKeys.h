@@ -71,8 +71,8 @@ inline constexpr const char* nameModified = "nameModified";
 
 }  // namespace record_field
 
-/// The `realPath` of a row that has no folder yet.
-inline constexpr const char* undefinedRealPath = "Undefined";
+/// What fields hold that say yes by a text: `modified`, `nameModified`, and `enable` of a template.
+inline constexpr const char* yesText = "1";
 
 /// The mirrored switches in the order in which they are observed.
 inline constexpr std::array mirroredSwitches{

@@ -45,12 +45,15 @@ class ImageProvider {
 
   /// The picture in the bytes of an image file (initWithData:): TIFF, PNG, JPEG, SVG, ICNS and
   /// other formats that the system knows. Of several pictures in one file it is the largest.
-  /// Nothing for anything else; the size is judged before memory is taken for the picture.
+  /// Null for anything else, which reaches the log with the reason; the size is judged before
+  /// memory is taken for the picture.
   virtual std::unique_ptr<Image> imageWithData(const PropertyList::Data& data) = 0;
 
   /// The same for the file at `path` (absolute), which a started scope covers
-  /// (initWithContentsOfFile:). A file that cannot be read reaches the log with the cause.
-  virtual std::unique_ptr<Image> imageWithContentsOfFile(const std::string& path) = 0;
+  /// (initWithContentsOfFile:); never null. Fails with the cause why the file cannot be read, with
+  /// file_too_large for too many pixels, and with not_supported for what is no image otherwise;
+  /// what it is then stands in the operation. Nothing reaches the log.
+  virtual Result<std::unique_ptr<Image>> imageWithContentsOfFile(const std::string& path) = 0;
 
   /// The size that `imageWithData` would give the picture, from the file's header, without decoding
   /// the picture where the format has such a header. Nothing where that tells none.

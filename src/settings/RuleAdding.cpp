@@ -1,4 +1,3 @@
-#include <system_error>
 #include <utility>
 
 #include "foundation/PathString.h"
@@ -9,10 +8,6 @@ namespace tavrin {
 namespace {
 
 constexpr const char* imageType = "png";
-
-SystemError noImage(const std::string& path) {
-  return {"read the image", path, std::make_error_code(std::errc::illegal_byte_sequence)};
-}
 
 /// The items that got no row, and why the first of them did not.
 class LeftOut {
@@ -160,8 +155,8 @@ Result<PropertyList::Dictionary> RuleListEditing::recordOfIcon(const std::string
   // What is picked as a link is granted as the file that it leads to.
   const auto image =
       platform_.images.imageWithContentsOfFile(platform_.fileManager.resolvingSymlinksInPath(path));
-  if (!image) return noImage(path);
-  auto tiff = image->tiffRepresentation();
+  if (!image) return image.error();
+  auto tiff = image.value()->tiffRepresentation();
   if (!tiff) return tiff.error();
   return PropertyList::Dictionary{{record_field::enable, 1},
                                   {record_field::icon, std::move(tiff).value()},

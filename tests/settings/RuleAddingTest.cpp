@@ -182,7 +182,8 @@ TEST_F(AddingRules, TakesImagesAsIconsAndLeavesOutWhatIsNone) {
   };
   expectRows(RuleList::CustomIcon, {row("one.png", {1, 2}), row("Two.PNG", {3})});
   EXPECT_EQ(stored("prePathOfCustomIcon"), PropertyList("/srv/data"));
-  EXPECT_THAT(log.lines(), ElementsAre(AllOf(HasSubstr("2 of"), HasSubstr("no image.png"))));
+  EXPECT_THAT(log.lines(), ElementsAre(AllOf(HasSubstr("2 of"), HasSubstr("no image.png"),
+                                             HasSubstr("not supported"))));
 }
 
 TEST_F(AddingRules, GivesARowTheFolderThatTheUserPicks) {

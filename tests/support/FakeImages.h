@@ -43,10 +43,16 @@ class FakeImages final : public ImageProvider {
     return std::make_unique<FakeImage>(*shown, sizeOf(*shown), tiffOf(*shown));
   }
 
-  std::unique_ptr<Image> imageWithContentsOfFile(const std::string& path) override {
-    if (!readFile) return nullptr;
+  Result<std::unique_ptr<Image>> imageWithContentsOfFile(const std::string& path) override {
+    const auto failure = [&path](std::errc cause) {
+      return SystemError{"read the image", path, std::make_error_code(cause)};
+    };
+    if (!readFile) return failure(std::errc::no_such_file_or_directory);
     const auto bytes = readFile(path);
-    return bytes ? imageWithData(bytes.value()) : nullptr;
+    if (!bytes) return bytes.error();
+    auto image = imageWithData(bytes.value());
+    if (!image) return failure(std::errc::not_supported);
+    return image;
   }
 
   std::optional<ImageSize> sizeOfImageWithData(const PropertyList::Data& data) override {

@@ -75,7 +75,7 @@ Result<FileDescriptor> openForReading(const FolderEntry& entry) {
   struct stat status = {};
   if (::fstat(file.get(), &status) != 0) return entry.failure("stat", errno);
   if (S_ISDIR(status.st_mode)) return entry.failure("read", EISDIR);
-  if (!S_ISREG(status.st_mode)) return entry.failure("read", EINVAL);
+  if (!S_ISREG(status.st_mode)) return entry.failure("read as a file", EINVAL);
   return file;
 }
 

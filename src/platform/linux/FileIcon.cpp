@@ -3,11 +3,11 @@
 #include <sys/stat.h>
 
 #include <QBuffer>
-#include <QPainter>
 #include <algorithm>
 
 #include "foundation/PathString.h"
 #include "platform/linux/DisplayText.h"
+#include "platform/linux/SquarePicture.h"
 #include "platform/linux/panel/PanelIcons.h"
 #include "platform/linux/panel/PanelPlaces.h"
 
@@ -40,15 +40,6 @@ QPixmap pixmapOf(const std::string& path, int side) {
                              side);
 }
 
-QImage squareOf(const QPixmap& pixmap, int side) {
-  const QPixmap scaled = pixmap.scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-  QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
-  square.fill(Qt::transparent);
-  QPainter painter(&square);
-  painter.drawPixmap((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled);
-  return square;
-}
-
 }  // namespace
 
 Result<PropertyList::Data> pngOfFileIcon(const std::string& path, int sidePixels) {
@@ -56,7 +47,10 @@ Result<PropertyList::Data> pngOfFileIcon(const std::string& path, int sidePixels
   QByteArray bytes;
   QBuffer buffer(&bytes);
   buffer.open(QIODevice::WriteOnly);
-  if (!squareOf(pixmapOf(path, side), side).save(&buffer, "png")) {
+  const QImage icon = pixmapOf(path, side)
+                          .toImage()
+                          .scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  if (!centredOnSquare(icon, side).save(&buffer, "png")) {
     return SystemError{"draw the icon of", path, std::make_error_code(std::errc::io_error)};
   }
   return PropertyList::Data(bytes.begin(), bytes.end());

@@ -4,11 +4,13 @@
 #include <QImage>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QPainter>
 #include <algorithm>
 #include <array>
 #include <string>
+#include <system_error>
 #include <utility>
+
+#include "platform/linux/SquarePicture.h"
 
 namespace tavrin {
 
@@ -41,12 +43,7 @@ QImage squareOf(const QImage& picture, int largestSide) {
     scaled =
         picture.scaled(largestSide, largestSide, Qt::KeepAspectRatio, Qt::SmoothTransformation);
   }
-  const int side = std::max(scaled.width(), scaled.height());
-  QImage square(side, side, QImage::Format_ARGB32_Premultiplied);
-  square.fill(Qt::transparent);
-  QPainter painter(&square);
-  painter.drawImage((side - scaled.width()) / 2, (side - scaled.height()) / 2, scaled);
-  return square;
+  return centredOnSquare(scaled, std::max(scaled.width(), scaled.height()));
 }
 
 enum class Compression { Usual, Lossless };
@@ -95,6 +92,12 @@ std::optional<ImageSize> sizeOf(const QSize& size) {
   return size.isEmpty() ? std::nullopt : std::optional(ImageSize{size.width(), size.height()});
 }
 
+/// Why there is no picture.
+struct NoPicture {
+  std::string text = "its format is not known";
+  std::errc cause = std::errc::not_supported;
+};
+
 /// Reads the pictures of one file.
 class PictureReader {
  public:
@@ -127,7 +130,7 @@ class PictureReader {
   }
 
   /// The largest picture within the bounds; none with the reason.
-  QImage readLargest(std::string& reason) {
+  QImage readLargest(NoPicture& reason) {
     if (reader_.format() == "svg") return readDrawing(reason);
     QImage largest;
     const int count = std::clamp(reader_.imageCount(), 1, mostPictures);
@@ -140,11 +143,9 @@ class PictureReader {
   }
 
  private:
-  QImage readDrawing(std::string& reason) {
+  QImage readDrawing(NoPicture& reason) {
     reader_.setScaledSize(drawingSize());
-    QImage picture = reader_.read();
-    if (picture.isNull()) reason = reader_.errorString().toStdString();
-    return picture;
+    return read(reason);
   }
 
   QSize drawingSize() const {
@@ -161,16 +162,20 @@ class PictureReader {
     return isTurned ? size.transposed() : size;
   }
 
-  QImage readWithinBounds(std::string& reason) {
+  QImage read(NoPicture& reason) {
+    QImage picture = reader_.read();
+    if (picture.isNull()) reason.text = reader_.errorString().toStdString();
+    return picture;
+  }
+
+  QImage readWithinBounds(NoPicture& reason) {
     // Without a size of its own, as in ICNS, a picture is bounded by Qt's limit.
     const QSize size = reader_.size();
     if (size.isValid() && !isWithinBounds(size)) {
-      reason = "it has too many pixels";
+      reason = {"it has too many pixels", std::errc::file_too_large};
       return {};
     }
-    QImage picture = reader_.read();
-    if (picture.isNull()) reason = reader_.errorString().toStdString();
-    return picture;
+    return read(reason);
   }
 
   QByteArray bytes_;
@@ -178,25 +183,35 @@ class PictureReader {
   QImageReader reader_;
 };
 
+/// The picture in the bytes of a file; null with the reason.
+std::unique_ptr<Image> imageOf(const PropertyList::Data& data, NoPicture& reason) {
+  if (data.empty()) reason.text = "it is empty";
+  if (isGzip(data)) return nullptr;
+  PictureReader reader(data);
+  if (!reader.isKnownFormat()) return nullptr;
+  QImage picture = reader.readLargest(reason);
+  return picture.isNull() ? nullptr : std::make_unique<LinuxImage>(std::move(picture));
+}
+
 }  // namespace
 
 std::unique_ptr<Image> LinuxImageProvider::imageWithData(const PropertyList::Data& data) {
-  std::string reason = "its format is not known";
-  QImage picture;
-  if (!isGzip(data)) {
-    PictureReader reader(data);
-    if (reader.isKnownFormat()) picture = reader.readLargest(reason);
-  }
-  if (!picture.isNull()) return std::make_unique<LinuxImage>(std::move(picture));
-  log_.write("no image in " + std::to_string(data.size()) + " bytes of data: " + reason);
+  NoPicture reason;
+  auto image = imageOf(data, reason);
+  if (image) return image;
+  log_.write("no image in " + std::to_string(data.size()) + " bytes of data: " + reason.text);
   return nullptr;
 }
 
-std::unique_ptr<Image> LinuxImageProvider::imageWithContentsOfFile(const std::string& path) {
+Result<std::unique_ptr<Image>> LinuxImageProvider::imageWithContentsOfFile(
+    const std::string& path) {
   const auto data = fileManager_.contentsAtPath(path);
-  if (data) return imageWithData(data.value());
-  log_.write(data.error().describe());
-  return nullptr;
+  if (!data) return data.error();
+  NoPicture reason;
+  auto image = imageOf(data.value(), reason);
+  if (image) return image;
+  return SystemError{"read the image (" + reason.text + ")", path,
+                     std::make_error_code(reason.cause)};
 }
 
 std::optional<ImageSize> LinuxImageProvider::sizeOfImageWithData(const PropertyList::Data& data) {
@@ -204,7 +219,7 @@ std::optional<ImageSize> LinuxImageProvider::sizeOfImageWithData(const PropertyL
   PictureReader reader(data);
   if (!reader.isKnownFormat()) return std::nullopt;
   if (const auto size = reader.largestSize()) return size;
-  std::string reason;
+  NoPicture reason;
   return sizeOf(PictureReader(data).readLargest(reason).size());
 }
 

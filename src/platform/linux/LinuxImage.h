@@ -13,11 +13,10 @@ class LinuxImageProvider final : public ImageProvider {
   LinuxImageProvider(const FileManager& fileManager, Log& log)
       : fileManager_(fileManager), log_(log) {}
 
-  /// Of a drawing (SVG) the picture is made at `drawingSide` pixels on its longer side. Data that
-  /// is no image reaches the log with the reason.
+  /// Of a drawing (SVG) the picture is made at `drawingSide` pixels on its longer side.
   std::unique_ptr<Image> imageWithData(const PropertyList::Data& data) override;
 
-  std::unique_ptr<Image> imageWithContentsOfFile(const std::string& path) override;
+  Result<std::unique_ptr<Image>> imageWithContentsOfFile(const std::string& path) override;
 
   /// ICNS, whose header tells no size, is decoded.
   std::optional<ImageSize> sizeOfImageWithData(const PropertyList::Data& data) override;

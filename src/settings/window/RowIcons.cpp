@@ -34,6 +34,10 @@ QByteArray keyOf(const RowIcon& icon) {
          QByteArray::number(static_cast<qulonglong>(bytes->data->size()));
 }
 
+void tellFailure(Log& log, const SystemError& error) {
+  log.write("a picture cannot be shown: " + error.describe());
+}
+
 }  // namespace
 
 RowIcons::RowIcons(Platform& platform) : platform_(platform), cache_(keptPictures) {}
@@ -53,13 +57,21 @@ QPixmap RowIcons::pixmap(const RowIcon& icon, int side, qreal pixelRatio) {
 QPixmap RowIcons::made(const RowIcon& icon, int pixels) const {
   if (const auto* file = std::get_if<row_icon::ImageFile>(&icon)) {
     const auto image = platform_.images.imageWithContentsOfFile(file->path);
-    return image ? fromImage(image.get(), pixels) : fromDesktop(file->standIn, pixels);
+    if (image) return fromImage(image.value().get(), pixels);
+    // Most extensions have no image of their own.
+    if (image.error().code != std::errc::no_such_file_or_directory) {
+      tellFailure(platform_.log, image.error());
+    }
+    return fromDesktop(file->standIn, pixels);
   }
   if (const auto* item = std::get_if<row_icon::Item>(&icon)) {
     return fromDesktop(item->path, pixels);
   }
   if (const auto* resource = std::get_if<row_icon::Resource>(&icon)) {
-    return fromImage(platform_.images.imageWithContentsOfFile(resource->path).get(), pixels);
+    const auto image = platform_.images.imageWithContentsOfFile(resource->path);
+    if (image) return fromImage(image.value().get(), pixels);
+    tellFailure(platform_.log, image.error());
+    return {};
   }
   const auto* bytes = std::get_if<row_icon::Bytes>(&icon);
   return fromImage(platform_.images.imageWithData(*bytes->data).get(), pixels);
@@ -69,7 +81,7 @@ QPixmap RowIcons::fromImage(const Image* image, int pixels) const {
   if (image == nullptr) return {};
   const auto png = image->squarePng(pixels);
   if (png) return decodedPng(png.value());
-  platform_.log.write("a picture cannot be shown: " + png.error().describe());
+  tellFailure(platform_.log, png.error());
   return {};
 }
 

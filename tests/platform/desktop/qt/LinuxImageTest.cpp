@@ -142,9 +142,32 @@ TEST_F(LinuxImageTest, readsAFileAndTellsWhyThereIsNone) {
   fileManager_.addFile("/picture.png", std::string(png.begin(), png.end()));
   const auto image = provider_.imageWithContentsOfFile("/picture.png");
   ASSERT_TRUE(image);
-  EXPECT_EQ(image->width(), 8);
-  EXPECT_FALSE(provider_.imageWithContentsOfFile("/missing.png"));
-  EXPECT_THAT(log_.lines(), testing::ElementsAre(HasSubstr("/missing.png")));
+  EXPECT_EQ(image.value()->width(), 8);
+
+  QImage vast(9000, 9000, QImage::Format_Mono);
+  vast.fill(0);
+  const PropertyList::Data large = written(vast, "png");
+  fileManager_.addFile("/vast.png", std::string(large.begin(), large.end()));
+  fileManager_.addFile("/cut.png", std::string(png.begin(), png.begin() + 40));
+  fileManager_.addFile("/text.png", "text");
+  fileManager_.addFile("/packed.png", "\x1f\x8b\x08");
+  fileManager_.addFile("/empty.png");
+  fileManager_.addFolder("/folder.png");
+  for (const auto& [path, cause, text] :
+       {std::tuple("/vast.png", std::errc::file_too_large, "too many pixels"),
+        {"/cut.png", std::errc::not_supported, "("},
+        {"/text.png", std::errc::not_supported, "format is not known"},
+        {"/packed.png", std::errc::not_supported, "format is not known"},
+        {"/empty.png", std::errc::not_supported, "empty"},
+        {"/folder.png", std::errc::is_a_directory, "read"},
+        {"/missing.png", std::errc::no_such_file_or_directory, "read"}}) {
+    const auto none = provider_.imageWithContentsOfFile(path);
+    ASSERT_FALSE(none) << path;
+    EXPECT_EQ(none.error().code, cause) << none.error().describe();
+    EXPECT_EQ(none.error().path, path);
+    EXPECT_THAT(none.error().operation, HasSubstr(text));
+  }
+  EXPECT_THAT(log_.lines(), IsEmpty());
 }
 
 TEST_F(LinuxImageTest, takesTheLargestOfSeveralPictures) {

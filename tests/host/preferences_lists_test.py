@@ -2,6 +2,7 @@
 
 import os
 import pwd
+import shutil
 import subprocess
 from pathlib import Path
 
@@ -71,6 +72,40 @@ class Adding(PreferencesTest):
             self.assertEqual((self.templates / file.name).read_text(), file.read_text())
             self.assertEqual(self.stored()["prePathOfCreateNewFile"], str(file.parent))
         self.assertEqual(self.texts("Name").count("Plain Text"), 2)
+
+    def test_a_template_keeps_its_rights_and_a_link_is_what_it_leads_to(self):
+        """A program, a secret, a link to one, and 4 GiB of holes, which take no time."""
+        self.show_page(NEW_FILES)
+        records = self.records()
+        program = self.make_file("my files/run.sh", "#!/bin/sh\n")
+        program.chmod(0o755)
+        os.setxattr(program, "user.note", b"mine")
+        secret = self.make_file("my files/secret.key", "secret")
+        secret.chmod(0o600)
+        vast = self.make_file("my files/vast.img", "the beginning")
+        os.truncate(vast, 4 << 30)
+        link = self.make_folder("links") / "link.sh"
+        link.symlink_to("../my files/run.sh")
+        picture = self.make_folder("links") / "picture.png"
+        picture.symlink_to(make_image(self.make_folder("my files") / "icon.png"))
+        shutil.rmtree(self.templates)
+        for file in (program, secret, vast, link):
+            self.add(file, FILE_PANEL)
+            records.append({"enable": "1", "displayName": file.stem, "modified": "1",
+                            "extension": file.suffix[1:]})
+            self.wait_for_records(records)
+            template, source = (self.templates / file.name).lstat(), file.stat()
+            self.assertEqual(template.st_mode, source.st_mode)
+            self.assertEqual(template.st_size, source.st_size)
+            self.assertLess(template.st_blocks, 1000)
+        self.assertEqual(os.getxattr(self.templates / "run.sh", "user.note"), b"mine")
+        self.assertEqual((self.templates / "link.sh").read_text(), "#!/bin/sh\n")
+        self.show_page(ICONS)
+        icons = len(self.records())
+        self.add(picture, FILE_PANEL)
+        wait_until(lambda: len(self.records()) == icons + 1, "the icon")
+        self.assertEqual(self.records()[-1]["displayName"], "picture.png")
+        self.assertEqual([line for line in self.session.log_lines() if "not added" in line], [])
 
     def test_a_template_that_cannot_be_copied_is_skipped(self):
         """Three are picked at once and the name of the middle one is taken by a folder."""

@@ -305,6 +305,26 @@ TEST_F(BusIntakeTest, runsWithoutABus) {
   EXPECT_THAT(takeAll(accepted_), ElementsAre(ExternalRequest{Kind::Open, "/tmp/a"}));
 }
 
+TEST_F(BusIntakeTest, aConnectionAloneTakesNoNameAndItsEndEndsNothing) {
+  intake_.connectOnly();
+  GDBusConnection* connection = intake_.connection();
+  ASSERT_NE(connection, nullptr);
+  EXPECT_NE(call(caller_.get(), "Activate", g_variant_new("(@a{sv})", noPlatformData())), "");
+  bus_.kill();
+  ASSERT_TRUE(test::waitUntil([&] { return g_dbus_connection_is_closed(connection) != FALSE; }));
+  while (g_main_context_iteration(nullptr, FALSE) != FALSE) continue;
+  EXPECT_EQ(accepted_.size(), 0U);
+  EXPECT_THAT(log_.lines(), IsEmpty());
+  intake_.stop();
+}
+
+TEST_F(BusIntakeTest, aConnectionAloneIsNoneWithoutABus) {
+  bus_.kill();
+  intake_.connectOnly();
+  EXPECT_EQ(intake_.connection(), nullptr);
+  EXPECT_THAT(log_.lines(), ElementsAre(HasSubstr("no session bus")));
+}
+
 }  // namespace
 
 }  // namespace tavrin

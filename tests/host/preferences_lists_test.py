@@ -3,7 +3,9 @@
 import os
 import pwd
 import shutil
+import struct
 import subprocess
+import zlib
 from pathlib import Path
 
 from preferences import (ALWAYS_ON, COMMON, COPY_TO, FILE_PANEL, ICONS, LISTS, NEW_FILES, OTHERS,
@@ -16,6 +18,18 @@ HOME = Path(pwd.getpwuid(os.getuid()).pw_dir)
 
 def folder_record(path):
     return {"enable": 1, "realPath": str(path), "displayName": ""}
+
+
+def make_vast_image(path):
+    """Makes a PNG file of 9,000 by 9,000 black pixels in little memory."""
+    side = 9000
+    header = struct.pack(">IIBBBBB", side, side, 1, 0, 0, 0, 0)
+    rows = zlib.compress(bytes(1 + side // 8) * side)
+    with open(path, "wb") as file:
+        file.write(b"\x89PNG\r\n\x1a\n")
+        for kind, data in ((b"IHDR", header), (b"IDAT", rows), (b"IEND", b"")):
+            file.write(struct.pack(">I", len(data)) + kind + data
+                       + struct.pack(">I", zlib.crc32(kind + data)))
 
 
 class Adding(PreferencesTest):
@@ -105,7 +119,8 @@ class Adding(PreferencesTest):
         self.add(picture, FILE_PANEL)
         wait_until(lambda: len(self.records()) == icons + 1, "the icon")
         self.assertEqual(self.records()[-1]["displayName"], "picture.png")
-        self.assertEqual([line for line in self.session.log_lines() if "not added" in line], [])
+        self.assertEqual([line for line in self.session.log_lines()
+                          if "not added" in line or "picture" in line], [])
 
     def test_a_template_that_cannot_be_copied_is_skipped(self):
         """Three are picked at once and the name of the middle one is taken by a folder."""
@@ -144,6 +159,27 @@ class Adding(PreferencesTest):
         self.add(broken, FILE_PANEL)
         self.add(make_image(folder / "last.png"), FILE_PANEL)
         wait_until(lambda: self.texts("Name")[-2:] == ["icon.png", "last.png"], "the last icon")
+
+    def test_why_an_icon_is_refused(self):
+        """Each in one line of the log; a pipe is not waited for."""
+        self.show_page(ICONS)
+        records = self.records()
+        folder = self.make_folder("no images")
+        os.mkfifo(folder / "pipe.png")
+        make_vast_image(folder / "vast.png")
+        for name, text, cause in (("text.png", "no image", "format is not known"),
+                                  ("empty.png", "", "it is empty"),
+                                  ("pipe.png", None, "Invalid argument"),
+                                  ("vast.png", None, "too many pixels")):
+            if text is not None:
+                self.make_file(f"no images/{name}", text)
+            self.add(folder / name, FILE_PANEL)
+            wait_until(lambda: any(name in line for line in self.session.log_lines()), name)
+            lines = [line for line in self.session.log_lines() if name in line]
+            self.assertEqual(len(lines), 1, lines)
+            self.assertIn("1 of the picked items", lines[0])
+            self.assertIn(cause, lines[0])
+        self.wait_for_records(records)
 
     def test_only_images_of_the_type_can_be_picked_as_icons(self):
         self.show_page(ICONS)

@@ -319,6 +319,17 @@ TEST_F(OpenPanelTest, theChooserTakesWhereALinkLedWhenItWasShown) {
   EXPECT_EQ(dialog_->picked().at(0).item->path(), folder_ / "other");
 }
 
+TEST_F(OpenPanelTest, aLinkToAFileIsPickedByItsOwnNameAndGrantsWhatItLeadsTo) {
+  ASSERT_EQ(::symlink("wanted/deep link", (folder_ / "link").c_str()), 0);
+  ASSERT_EQ(::symlink("../file", (folder_ / "wanted/deep link").c_str()), 0);
+  options_.rules = {true, false, nullptr};
+  showPanel();
+  click("link");
+  press(Qt::Key_Return);
+  EXPECT_THAT(picked(), ElementsAre(folder_ / "link"));
+  EXPECT_EQ(dialog_->picked().at(0).item->path(), folder_ / "file");
+}
+
 TEST_F(OpenPanelTest, theWayUpPicksTheParentAndStopsAtTheRoot) {
   allowOnly("wanted/inner/deep");
   options_.directory = FileURL::fileURLWithPath(folder_ / "wanted/inner/deep");

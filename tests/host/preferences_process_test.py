@@ -46,10 +46,13 @@ class RestartingTheFileManager(PreferencesTest):
 
     def press_restart(self):
         self.show_page(GENERAL)
-        button = self.find("push button", "Restart File Manager")
-        self.press(button)
-        # The window manager overhears keys that come in the middle of a click.
-        self.wait_for_state(button, "focused")
+        self.press_button("Restart File Manager")
+        self.wait_for_state(self.find("push button", "Restart File Manager"), "focused")
+
+    def close_window(self):
+        """Not by keys, which the window manager may overhear in the middle of a click."""
+        self.session.run("wmctrl", "-i", "-c", self.window)
+        self.session.wait_for_no_window(TITLE)
 
     def wait_for_restart(self):
         wait_until(lambda: self.viewer.poll() is not None, "the file manager to end")

@@ -19,7 +19,12 @@ QByteArray named(char kind, const std::string& name) {
   return QByteArray(1, kind) + QByteArray::fromStdString(name);
 }
 
-/// Equal for equal pictures. Data that somebody holds keeps its place, so its address tells it.
+std::shared_ptr<const PropertyList::Data> bytesOf(const RowIcon& icon) {
+  const auto* bytes = std::get_if<row_icon::Bytes>(&icon);
+  return bytes == nullptr ? nullptr : bytes->data;
+}
+
+/// Equal for equal pictures, and for bytes at the same address.
 QByteArray keyOf(const RowIcon& icon) {
   if (const auto* file = std::get_if<row_icon::ImageFile>(&icon)) {
     return named('f', file->path + '\0' + file->standIn);
@@ -34,10 +39,6 @@ QByteArray keyOf(const RowIcon& icon) {
          QByteArray::number(static_cast<qulonglong>(bytes->data->size()));
 }
 
-void tellFailure(Log& log, const SystemError& error) {
-  log.write("a picture cannot be shown: " + error.describe());
-}
-
 }  // namespace
 
 RowIcons::RowIcons(Platform& platform) : platform_(platform), cache_(keptPictures) {}
@@ -47,20 +48,21 @@ QPixmap RowIcons::pixmap(const RowIcon& icon, int side, qreal pixelRatio) {
   if (key.isEmpty()) return {};
   const int pixels = qRound(side * pixelRatio);
   key += "@" + QByteArray::number(pixels);
-  if (const QPixmap* kept = cache_.object(key)) return *kept;
+  const Kept* kept = cache_.object(key);
+  if (kept != nullptr && kept->bytes.lock() == bytesOf(icon)) return kept->pixmap;
   QPixmap pixmap = made(icon, pixels);
   pixmap.setDevicePixelRatio(pixelRatio);
-  cache_.insert(key, new QPixmap(pixmap));
+  cache_.insert(key, new Kept{pixmap, bytesOf(icon)});
   return pixmap;
 }
 
-QPixmap RowIcons::made(const RowIcon& icon, int pixels) const {
+QPixmap RowIcons::made(const RowIcon& icon, int pixels) {
   if (const auto* file = std::get_if<row_icon::ImageFile>(&icon)) {
     const auto image = platform_.images.imageWithContentsOfFile(file->path);
     if (image) return fromImage(image.value().get(), pixels);
     // Most extensions have no image of their own.
     if (image.error().code != std::errc::no_such_file_or_directory) {
-      tellFailure(platform_.log, image.error());
+      tellFailure(image.error());
     }
     return fromDesktop(file->standIn, pixels);
   }
@@ -70,19 +72,24 @@ QPixmap RowIcons::made(const RowIcon& icon, int pixels) const {
   if (const auto* resource = std::get_if<row_icon::Resource>(&icon)) {
     const auto image = platform_.images.imageWithContentsOfFile(resource->path);
     if (image) return fromImage(image.value().get(), pixels);
-    tellFailure(platform_.log, image.error());
+    tellFailure(image.error());
     return {};
   }
   const auto* bytes = std::get_if<row_icon::Bytes>(&icon);
   return fromImage(platform_.images.imageWithData(*bytes->data).get(), pixels);
 }
 
-QPixmap RowIcons::fromImage(const Image* image, int pixels) const {
+QPixmap RowIcons::fromImage(const Image* image, int pixels) {
   if (image == nullptr) return {};
   const auto png = image->squarePng(pixels);
   if (png) return decodedPng(png.value());
-  tellFailure(platform_.log, png.error());
+  tellFailure(png.error());
   return {};
+}
+
+void RowIcons::tellFailure(const SystemError& error) {
+  if (!hasToldFailure_) platform_.log.write("a picture cannot be shown: " + error.describe());
+  hasToldFailure_ = true;
 }
 
 QPixmap RowIcons::fromDesktop(const std::string& path, int pixels) const {

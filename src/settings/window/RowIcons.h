@@ -2,6 +2,7 @@
 
 #include <QCache>
 #include <QPixmap>
+#include <memory>
 #include <string>
 
 #include "platform/Platform.h"
@@ -20,16 +21,23 @@ class RowIcons {
   /// is none.
   QPixmap pixmap(const RowIcon& icon, int side, qreal pixelRatio);
 
-  /// Forgets the pictures that may have changed outside of the lists: templates and folders.
-  void forget() { cache_.clear(); }
-
  private:
-  QPixmap made(const RowIcon& icon, int pixels) const;
-  QPixmap fromImage(const Image* image, int pixels) const;
+  struct Kept {
+    QPixmap pixmap;
+    /// The image's bytes; once they are gone, others may stand at their address.
+    std::weak_ptr<const PropertyList::Data> bytes;
+  };
+
+  QPixmap made(const RowIcon& icon, int pixels);
+  QPixmap fromImage(const Image* image, int pixels);
   QPixmap fromDesktop(const std::string& path, int pixels) const;
 
+  /// The first one; a long list of broken images is not worth a line each.
+  void tellFailure(const SystemError& error);
+
   Platform& platform_;
-  QCache<QByteArray, QPixmap> cache_;
+  QCache<QByteArray, Kept> cache_;
+  bool hasToldFailure_ = false;
 };
 
 }  // namespace tavrin

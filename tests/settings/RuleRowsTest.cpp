@@ -58,14 +58,15 @@ TEST_F(RuleRowsTest, foldersAreShownByTheirOwnTitleOrTheFoldersName) {
   for (const auto& [list, column, identifier] :
        {std::tuple{RuleList::CopyFilesTo, "DisplayName", "Note"},
         std::tuple{RuleList::CommonPath, "commonPathDisplayName", "commonPathDisplayName"}}) {
-    const auto title = [&](const char* displayName, const char* path) {
+    const auto title = [&, list = list, column = column](const char* displayName,
+                                                         const char* path) {
       return cell(list, column, Record{{"displayName", displayName}, {"realPath", path}});
     };
     EXPECT_EQ(title("Mine", "~/Downloads").text, "Mine");
     EXPECT_EQ(title("", "~/Downloads").text, "Herunterladungen");
     EXPECT_EQ(title("", "/srv/data").text, "data");
     EXPECT_EQ(title("", "/srv/data").editingIdentifier, identifier);
-    const auto path = [&](const char* realPath) {
+    const auto path = [&, list = list](const char* realPath) {
       return cell(list, "realPath", Record{{"realPath", realPath}});
     };
     EXPECT_EQ(path("~/Downloads").text, "~/Downloads");

@@ -49,11 +49,6 @@ class RestartingTheFileManager(PreferencesTest):
         self.press_button("Restart File Manager")
         self.wait_for_state(self.find("push button", "Restart File Manager"), "focused")
 
-    def close_window(self):
-        """Not by keys, which the window manager may overhear in the middle of a click."""
-        self.session.run("wmctrl", "-i", "-c", self.window)
-        self.session.wait_for_no_window(TITLE)
-
     def wait_for_restart(self):
         wait_until(lambda: self.viewer.poll() is not None, "the file manager to end")
         wait_until(lambda: self.started.exists() and self.started.read_text().endswith("\n"),

@@ -62,8 +62,8 @@ class Settings(HostTest):
     def test_switches_are_mirrored_after_the_window_was_closed(self):
         self.session.start_waiting_host()
         self.session.call_bus(APPLICATION_PATH, "org.freedesktop.Application.Activate", "{}")
-        self.session.wait_for_window(PREFERENCES_WINDOW)
-        self.session.key("alt+F4")
+        window = self.session.wait_for_window(PREFERENCES_WINDOW)
+        self.session.run("wmctrl", "-i", "-c", window)
         self.session.wait_for_no_window(PREFERENCES_WINDOW)
         for value in (False, True):
             self.session.defaults("write", "standard", "soundTipsOfNewFile", "-bool",

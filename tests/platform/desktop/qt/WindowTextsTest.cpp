@@ -30,6 +30,9 @@ std::string nameOf(const QWidget& widget, const QString& text) {
   return (widget.objectName() + QLatin1String(": ") + text).toStdString();
 }
 
+/// Of the interface file.
+constexpr QSize defaultSize(900, 620);
+
 /// The preferences window with the default settings, in the language of the parameter.
 class WindowTextsTest : public ::testing::TestWithParam<const char*> {
  protected:
@@ -41,6 +44,8 @@ class WindowTextsTest : public ::testing::TestWithParam<const char*> {
     translateWindows();
     seedSettings(defaults_, *standard_, *fake_.userDefaults.suite(fake_.bundle.group));
     window_ = std::make_unique<QtPreferencesWindow>(fake_.platform, *standard_, settings_);
+    // The screen of Qt's off-screen platform is smaller, which the window respects.
+    window_->resize(defaultSize);
   }
 
   void TearDown() override {
@@ -114,7 +119,6 @@ void WindowTextsTest::expectWholeCells(const QTableView& table) {
 }
 
 TEST_P(WindowTextsTest, NothingIsCutOffAtTheDefaultSize) {
-  const QSize defaultSize = window_->size();
   window_->show();
   ASSERT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
   EXPECT_EQ(window_->size(), defaultSize) << "the texts need more room than the window has";

@@ -65,7 +65,11 @@ QtPreferencesWindow::QtPreferencesWindow(Platform& platform, UserDefaults& stand
   controller_->awakeFromNib();
 }
 
-QtPreferencesWindow::~QtPreferencesWindow() = default;
+QtPreferencesWindow::~QtPreferencesWindow() {
+  // An editor that is open stores its text as it loses the keyboard, which takes the controller.
+  hide();
+  delete takeCentralWidget();
+}
 
 void QtPreferencesWindow::fillTexts(const Bundle& bundle) {
   const std::string name = bundle.objectForInfoDictionaryKey("CFBundleDisplayName").value_or("");

@@ -184,6 +184,22 @@ TEST_F(PreferencesWindowTest, anEditorKeepsWhatIsTypedAndTheWholeOfALongTitle) {
   }));
 }
 
+TEST_F(PreferencesWindowTest, whatIsTypedIsStoredWhenTheWindowGoes) {
+  auto& table = outlet<RuleTableView>("othersTableView");
+  window().makeKeyAndOrderFront();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+  outlet<SidebarButton>("otherOptionButton").click();
+  table.selectRow(0);
+  table.editTitle();
+  auto* editor = table.findChild<QLineEdit*>();
+  ASSERT_NE(editor, nullptr);
+  editor->setFocus();
+  QTest::keyClicks(editor, QStringLiteral("mine"));
+  window_.reset();
+  EXPECT_EQ(standard_->arrayForKey(settings_key::arrOfOthers)[0].stringForKey("displayName"),
+            "mine");
+}
+
 TEST_F(PreferencesWindowTest, toolTipsShowTextsAsTheyAre) {
   standard_->setObject(PropertyList::Array{PropertyList::Dictionary{
                            {"realPath", "/<img src='/x'>" + std::string(9999, 'y')}}},

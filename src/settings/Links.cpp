@@ -15,7 +15,7 @@ struct Link {
   const char* path;
 };
 
-constexpr std::array<Link, 19> links{{
+constexpr std::array<Link, 18> links{{
     {LinkAction::checkForUpdate, "store?review=write"},
     {LinkAction::gotoOfficialWebsite, ""},
     {LinkAction::TeachingVideo, "videos"},
@@ -29,7 +29,6 @@ constexpr std::array<Link, 19> links{{
     {LinkAction::helpAboutService, "help/text-services"},
     {LinkAction::helpAboutNewTemplateFile, "help/templates"},
     {LinkAction::helpServicesOfSystemPreferences, "help/enabling-services"},
-    {LinkAction::moreApps, "apps"},
     {LinkAction::whatIsNew, "news"},
     {LinkAction::translateTavrin, "translate"},
     {LinkAction::sourceCode, "source"},

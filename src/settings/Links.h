@@ -20,7 +20,6 @@ enum class LinkAction {
   helpAboutNewTemplateFile,
   helpServicesOfSystemPreferences,
   /// The remaining pages of the last two tabs.
-  moreApps,
   whatIsNew,
   translateTavrin,
   sourceCode,

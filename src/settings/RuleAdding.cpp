@@ -34,7 +34,7 @@ struct RuleListEditing::Adding {
   RuleList list;
   /// Where the folder of the first picked item is remembered.
   const char* folderKey;
-  std::shared_ptr<OpenPanel> (RuleListEditing::*panel)(const std::string& startFolder) const;
+  Picks picks;
   /// The only type of file that can be picked; nullptr allows every one.
   const char* fileType;
   Result<PropertyList::Dictionary> (RuleListEditing::*record)(const std::string& path);
@@ -42,14 +42,14 @@ struct RuleListEditing::Adding {
 
 const RuleListEditing::Adding* RuleListEditing::addingOf(RuleList list) {
   static constexpr std::array<Adding, 4> addings{{
-      {RuleList::CreateNewFile, settings_key::prePathOfCreateNewFile, &RuleListEditing::filePanel,
-       nullptr, &RuleListEditing::recordOfTemplate},
-      {RuleList::CopyFilesTo, settings_key::prePathOfSendFilesTo, &RuleListEditing::folderPanel,
-       nullptr, &RuleListEditing::recordOfFolder},
-      {RuleList::CommonPath, settings_key::prePathOfCommonPath, &RuleListEditing::folderPanel,
-       nullptr, &RuleListEditing::recordOfFolder},
-      {RuleList::CustomIcon, settings_key::prePathOfCustomIcon, &RuleListEditing::filePanel,
-       imageType, &RuleListEditing::recordOfIcon},
+      {RuleList::CreateNewFile, settings_key::prePathOfCreateNewFile, Picks::Files, nullptr,
+       &RuleListEditing::recordOfTemplate},
+      {RuleList::CopyFilesTo, settings_key::prePathOfSendFilesTo, Picks::Folders, nullptr,
+       &RuleListEditing::recordOfFolder},
+      {RuleList::CommonPath, settings_key::prePathOfCommonPath, Picks::Folders, nullptr,
+       &RuleListEditing::recordOfFolder},
+      {RuleList::CustomIcon, settings_key::prePathOfCustomIcon, Picks::Files, imageType,
+       &RuleListEditing::recordOfIcon},
   }};
   for (const Adding& adding : addings) {
     if (adding.list == list) return &adding;
@@ -60,7 +60,7 @@ const RuleListEditing::Adding* RuleListEditing::addingOf(RuleList list) {
 void RuleListEditing::addRule(RuleList list) {
   const Adding* adding = addingOf(list);
   if (adding == nullptr) return;
-  const auto panel = (this->*adding->panel)(startFolder(*adding));
+  const auto panel = panelFor(adding->picks, startFolder(*adding));
   panel->setAllowsMultipleSelection(true);
   if (adding->fileType != nullptr) panel->setAllowedFileTypes({adding->fileType});
   begin(panel, [this, adding](const auto& urls) { appendRows(*adding, urls); });
@@ -68,7 +68,7 @@ void RuleListEditing::addRule(RuleList list) {
 
 void RuleListEditing::selectPath(std::size_t row) {
   if (recordAt(RuleList::CopyFilesTo, row) == nullptr) return;
-  const auto panel = folderPanel(desktop());
+  const auto panel = panelFor(Picks::Folders, desktop());
   panel->setAllowsMultipleSelection(false);
   begin(panel, [this, row](const auto& urls) {
     if (recordAt(RuleList::CopyFilesTo, row) == nullptr) return;
@@ -78,20 +78,13 @@ void RuleListEditing::selectPath(std::size_t row) {
   });
 }
 
-std::shared_ptr<OpenPanel> RuleListEditing::folderPanel(const std::string& startFolder) const {
+std::shared_ptr<OpenPanel> RuleListEditing::panelFor(Picks picks,
+                                                     const std::string& startFolder) const {
   auto panel = platform_.panels.openPanel();
-  panel->setCanChooseFiles(false);
-  panel->setCanChooseDirectories(true);
-  panel->setCanCreateDirectories(true);
-  panel->setDirectoryURL(FileURL::fileURLWithPath(startFolder));
-  return panel;
-}
-
-std::shared_ptr<OpenPanel> RuleListEditing::filePanel(const std::string& startFolder) const {
-  auto panel = platform_.panels.openPanel();
-  panel->setCanChooseFiles(true);
-  panel->setCanChooseDirectories(false);
-  panel->setCanCreateDirectories(false);
+  const bool picksFolders = picks == Picks::Folders;
+  panel->setCanChooseFiles(!picksFolders);
+  panel->setCanChooseDirectories(picksFolders);
+  panel->setCanCreateDirectories(picksFolders);
   panel->setDirectoryURL(FileURL::fileURLWithPath(startFolder));
   return panel;
 }

@@ -97,11 +97,11 @@ class RuleListEditing {
 
  private:
   struct Adding;
+  enum class Picks { Files, Folders };
   using Picked = std::function<void(const std::vector<FileURL>& urls)>;
 
   static const Adding* addingOf(RuleList list);
-  std::shared_ptr<OpenPanel> folderPanel(const std::string& startFolder) const;
-  std::shared_ptr<OpenPanel> filePanel(const std::string& startFolder) const;
+  std::shared_ptr<OpenPanel> panelFor(Picks picks, const std::string& startFolder) const;
   void begin(const std::shared_ptr<OpenPanel>& panel, Picked picked);
   std::string desktop() const;
   std::string startFolder(const Adding& adding) const;

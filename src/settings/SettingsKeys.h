@@ -34,8 +34,12 @@ inline constexpr const char* enableImageToIconInMac = "enableImageToIconInMac";
 inline constexpr const char* hiddenIconInStatusBar = "hiddenIconInStatusBar";
 inline constexpr const char* enableTextService = "enableTextService";
 
-// Kept in the shared suite alone: the items of the most recent cut, a file list string.
+// Kept in the shared suite alone: the items of the most recent cut, a file list string;
 inline constexpr const char* filesUrlOfCutting = "filesUrlOfCutting";
+// the one-based positions that the rows of the suite's `arrOfCustomIcon` have in the whole list;
+inline constexpr const char* positionsOfCustomIcon = "positionsOfCustomIcon";
+// and the file managers (an array of file_manager) where the user has switched the menu off.
+inline constexpr const char* disabledFileManagers = "disabledFileManagers";
 
 // Kept in the standard store alone. The folders are paths; an absent one means the desktop.
 inline constexpr const char* enableAllOfCreateNewFiles = "enableAllOfCreateNewFiles";

@@ -5,8 +5,8 @@
 #include "Arguments.h"
 #include "NameList.h"
 #include "foundation/RequestKeys.h"
-#include "menu/RequestSending.h"
 #include "platform/linux/Identity.h"
+#include "platform/linux/RequestSending.h"
 #include "platform/linux/SystemErrors.h"
 
 namespace tavrin::requesttool {

@@ -5,9 +5,9 @@
 #include <stdexcept>
 #include <thread>
 
-#include "menu/RequestSending.h"
 #include "platform/linux/AcceptedPropertyLists.h"
 #include "platform/linux/BusIntake.h"
+#include "platform/linux/RequestSending.h"
 #include "tests/platform/desktop/DesktopSession.h"
 #include "tests/support/FakeLog.h"
 

@@ -1,4 +1,4 @@
-#include "menu/RequestSending.h"
+#include "platform/linux/RequestSending.h"
 
 #include <memory>
 #include <mutex>
@@ -6,10 +6,10 @@
 #include <utility>
 
 #include "foundation/FileURL.h"
-#include "menu/RequestFolder.h"
 #include "platform/linux/ApplicationObject.h"
 #include "platform/linux/GLibPointers.h"
 #include "platform/linux/Identity.h"
+#include "platform/linux/RequestFolder.h"
 #include "platform/linux/SystemErrors.h"
 
 namespace tavrin {

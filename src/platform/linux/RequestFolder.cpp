@@ -1,4 +1,4 @@
-#include "menu/RequestFolder.h"
+#include "platform/linux/RequestFolder.h"
 
 #include <fcntl.h>
 #include <sys/random.h>

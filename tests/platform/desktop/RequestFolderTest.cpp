@@ -6,8 +6,8 @@
 #include <filesystem>
 #include <set>
 
-#include "menu/RequestFolder.h"
 #include "platform/linux/LinuxPropertyListSerialization.h"
+#include "platform/linux/RequestFolder.h"
 #include "tests/platform/desktop/DesktopSession.h"
 #include "tests/support/ChildProcess.h"
 #include "tests/support/ScratchFolder.h"

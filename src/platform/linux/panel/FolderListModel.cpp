@@ -20,7 +20,7 @@
 namespace tavrin {
 
 FolderListModel::FolderListModel(PanelRules rules, HiddenFiles hiddenFiles, QObject* parent)
-    : QAbstractTableModel(parent), rules_(rules), hiddenFiles_(hiddenFiles) {}
+    : QAbstractTableModel(parent), rules_(std::move(rules)), hiddenFiles_(hiddenFiles) {}
 
 Status FolderListModel::setFolder(const std::string& path, const std::string& nameToShow) {
   const auto opened = open(path);

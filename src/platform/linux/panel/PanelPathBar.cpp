@@ -24,7 +24,7 @@ QString buttonLabel(const QToolButton& button, const QString& name) {
 PanelPathBar::PanelPathBar(PanelRules rules, std::function<void(const FileURL&)> open,
                            QWidget* parent)
     : QWidget(parent),
-      rules_(rules),
+      rules_(std::move(rules)),
       open_(std::move(open)),
       upButton_(new QToolButton(this)),
       strip_(new QWidget(this)),

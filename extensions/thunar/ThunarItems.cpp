@@ -1,0 +1,37 @@
+#include "extensions/thunar/ThunarItems.h"
+
+namespace tavrin {
+
+namespace {
+
+/// Takes a text of GLib's over.
+std::string textOf(char* text) {
+  const GLibPointer<char> owned(text);
+  return owned ? std::string(owned.get()) : std::string();
+}
+
+}  // namespace
+
+std::string uriOf(ThunarxFileInfo* file) {
+  return textOf(thunarx_file_info_get_uri(file));
+}
+
+ThunarItems::ThunarItems(const GList* files) {
+  for (; files != nullptr; files = files->next) {
+    files_.emplace_back(THUNARX_FILE_INFO(g_object_ref(files->data)));
+  }
+}
+
+std::string ThunarItems::uri(std::size_t index) const {
+  return uriOf(files_[index].get());
+}
+
+bool ThunarItems::isFolder(std::size_t index) const {
+  return thunarx_file_info_is_directory(files_[index].get()) != FALSE;
+}
+
+std::string ThunarItems::contentType(std::size_t index) const {
+  return textOf(thunarx_file_info_get_mime_type(files_[index].get()));
+}
+
+}  // namespace tavrin

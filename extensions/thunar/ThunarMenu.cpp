@@ -1,0 +1,163 @@
+#include "extensions/thunar/ThunarMenu.h"
+
+#include <gtk/gtk.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "extensions/common/MenuExtension.h"
+#include "extensions/thunar/ThunarItems.h"
+#include "menu/FileManagers.h"
+#include "platform/linux/GLibPointers.h"
+
+namespace tavrin {
+
+namespace {
+
+using OpenedMenuPointer = std::shared_ptr<const OpenedMenu>;
+
+/// What an item does, which is one of `menu`.
+struct Click {
+  // Thunar 4.18 never frees the items of submenus, and they are not to hold what was selected.
+  std::weak_ptr<const OpenedMenu> menu;
+  const MenuItem* item;
+};
+
+void copyText(const std::string& text) {
+  GtkClipboard* clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
+  gtk_clipboard_set_text(clipboard, text.data(), static_cast<gint>(text.size()));
+  gtk_clipboard_set_can_store(clipboard, nullptr, 0);
+}
+
+/// A token of Wayland's compositor or, on X11, a name that says when the user has clicked. No start
+/// is announced on X11: programs that do not know of such announcements would leave the pointer
+/// busy.
+std::string startupToken() {
+  GdkDisplay* display = gdk_display_get_default();
+  const guint32 time = gtk_get_current_event_time();
+  if (g_strcmp0(G_OBJECT_TYPE_NAME(display), "GdkX11Display") == 0) {
+    return time == GDK_CURRENT_TIME ? std::string() : "tavrin_TIME" + std::to_string(time);
+  }
+  const GObjectPointer<GAppInfo> program(g_app_info_create_from_commandline(
+      "tavrin", nullptr, G_APP_INFO_CREATE_SUPPORTS_STARTUP_NOTIFICATION, nullptr));
+  const GObjectPointer<GdkAppLaunchContext> context(gdk_display_get_app_launch_context(display));
+  if (!program) return {};
+  gdk_app_launch_context_set_timestamp(context.get(), time);
+  const GLibPointer<char> token(g_app_launch_context_get_startup_notify_id(
+      G_APP_LAUNCH_CONTEXT(context.get()), program.get(), nullptr));
+  return token ? token.get() : std::string();
+}
+
+/// The one of the process. It is never destroyed: Thunar's own end is its end.
+MenuExtension& menuExtension() {
+  static auto* const extension =
+      new MenuExtension({file_manager::thunar, TAVRIN_PREFIX_FROM_MODULE, copyText, startupToken});
+  return *extension;
+}
+
+void onClick(ThunarxMenuItem* /*item*/, gpointer data) {
+  const auto* click = static_cast<const Click*>(data);
+  const OpenedMenuPointer menu = click->menu.lock();
+  if (menu) menuExtension().activate(*menu, *click->item);
+}
+
+void forgetClick(gpointer data, GClosure* /*closure*/) {
+  delete static_cast<Click*>(data);
+}
+
+void forgetMenu(gpointer data) {
+  delete static_cast<OpenedMenuPointer*>(data);
+}
+
+/// The title as GTK's labels read it, where an underscore marks the key of the letter behind it.
+std::string labelOf(const std::string& title) {
+  std::string label;
+  for (const char letter : title) label.append(letter == '_' ? 2 : 1, letter);
+  return label;
+}
+
+GObjectPointer<ThunarxMenuItem> thunarItem(const MenuItem& item, const OpenedMenuPointer& menu) {
+  // Thunar's shortcuts of all items, its own among them, go by these names.
+  const std::string name = "tavrin-" + item.identifier;
+  GObjectPointer<ThunarxMenuItem> made(
+      thunarx_menu_item_new(name.c_str(), labelOf(item.title).c_str(), nullptr,
+                            item.icon.empty() ? nullptr : item.icon.c_str()));
+  if (item.action != nullptr) {
+    g_signal_connect_data(made.get(), "activate", G_CALLBACK(onClick), new Click{menu, &item},
+                          forgetClick, GConnectFlags{});
+  }
+  if (item.submenu.empty()) return made;
+  const GObjectPointer<ThunarxMenu> submenu(thunarx_menu_new());
+  for (const MenuItem& each : item.submenu) {
+    thunarx_menu_append_item(submenu.get(), thunarItem(each, menu).get());
+  }
+  thunarx_menu_item_set_menu(made.get(), submenu.get());
+  return made;
+}
+
+/// The items of a menu, which the caller gets with their references. They keep the menu alive.
+GList* thunarItems(const OpenedMenuPointer& menu) {
+  std::vector<GObjectPointer<ThunarxMenuItem>> items;
+  for (const MenuItem& each : menu->items) {
+    items.push_back(thunarItem(each, menu));
+    g_object_set_data_full(G_OBJECT(items.back().get()), "tavrin-menu", new OpenedMenuPointer(menu),
+                           forgetMenu);
+  }
+  GList* list = nullptr;
+  for (auto item = items.rbegin(); item != items.rend(); ++item) {
+    list = g_list_prepend(list, item->release());
+  }
+  return list;
+}
+
+// What Thunar calls. It asks for the menu of the selection at every key press too, for the key of
+// an item.
+
+GList* getFileMenuItems(ThunarxMenuProvider* /*provider*/, GtkWidget* /*window*/, GList* files) {
+  try {
+    return thunarItems(menuExtension().menuForItems(std::make_shared<ThunarItems>(files)));
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+GList* getFolderMenuItems(ThunarxMenuProvider* /*provider*/, GtkWidget* /*window*/,
+                          ThunarxFileInfo* folder) {
+  try {
+    return thunarItems(menuExtension().menuForFolder(uriOf(folder)));
+  } catch (...) {
+    return nullptr;
+  }
+}
+
+void initializeInterface(gpointer interface, gpointer /*data*/) {
+  auto* provider = static_cast<ThunarxMenuProviderIface*>(interface);
+  provider->get_file_menu_items = getFileMenuItems;
+  provider->get_folder_menu_items = getFolderMenuItems;
+}
+
+/// Thunar makes its providers with its first window: the settings are read by the first click.
+void initializeInstance(GTypeInstance* /*instance*/, gpointer /*type*/) {
+  try {
+    menuExtension();
+  } catch (...) {
+    return;
+  }
+}
+
+}  // namespace
+
+GType registerThunarMenu(ThunarxProviderPlugin* plugin) {
+  GTypeInfo info{};
+  info.class_size = sizeof(GObjectClass);
+  info.instance_size = sizeof(GObject);
+  info.instance_init = initializeInstance;
+  const GInterfaceInfo interface { initializeInterface, nullptr, nullptr };
+  const GType type = thunarx_provider_plugin_register_type(plugin, G_TYPE_OBJECT,
+                                                           "TavrinThunarMenu", &info, GTypeFlags{});
+  thunarx_provider_plugin_add_interface(plugin, type, THUNARX_TYPE_MENU_PROVIDER, &interface);
+  return type;
+}
+
+}  // namespace tavrin

@@ -1,0 +1,8 @@
+#pragma once
+
+// thunarx-provider-plugin.h declares for C alone, the headers below it for C++ too.
+#include <gtk/gtk.h>
+
+extern "C" {
+#include <thunarx/thunarx.h>
+}

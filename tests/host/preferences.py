@@ -8,7 +8,7 @@ import shutil
 import subprocess
 
 import accessible
-from session import BUILD_DIR, GROUP, OPEN_PANEL, HostTest, wait_until
+from session import BUILD_DIR, GROUP, OPEN_PANEL, SOURCE_DIR, HostTest, wait_until
 
 TITLE = "^Tavrin$"
 FILE_PANEL = "^Open$"
@@ -69,6 +69,9 @@ class PreferencesTest(HostTest):
         self.session.call_bus("/org/freedesktop/DBus", "org.freedesktop.DBus.ReloadConfig",
                               destination="org.freedesktop.DBus")
         self.session.environment["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+        # Read by the leak detector alone.
+        suppressions = SOURCE_DIR / "tests" / "support" / "leak-suppressions-accessibility.txt"
+        self.session.environment["LSAN_OPTIONS"] = f"suppressions={suppressions}"
         self.bus = accessible.open_accessibility_bus(
             self.session.environment["DBUS_SESSION_BUS_ADDRESS"])
         self.addCleanup(self.bus.close_sync, None)

@@ -24,7 +24,8 @@ def collect(root):
     """All messages below the source folder, each text once, after the header."""
     root = Path(root)
     found = {}
-    sources = sorted(path for path in (root / "src").rglob("*.cpp"))
+    sources = sorted(path for folder in ("src", "extensions")
+                     for path in (root / folder).rglob("*.cpp"))
     for message in _texts_of_sources(root, sources):
         _add(found, message)
     for path in sorted((root / "src").rglob("*.ui")):

@@ -66,6 +66,9 @@ class MenuExtension {
 
  private:
   struct State;
+  template <typename Build>
+  std::shared_ptr<const OpenedMenu> opened(Build build) noexcept;
+
   std::unique_ptr<State> state_;
 };
 

@@ -8,20 +8,20 @@
 namespace tavrin {
 
 const std::array<RowOption, rowOptionCount> rowOptions{{
-    {"Cut",
+    {command_name::cut,
      {translatable("Keep visible"), translatable("Hide")},
      {{{settings_key::enableHideWhenCutting, {false, true}}, {}}}},
-    {"Delete directly",
+    {command_name::deleteDirectly,
      {translatable("Ask before deleting"), translatable("Delete without asking")},
      {{{settings_key::enableDirectDeleteFiles, {false, true}},
        {settings_key::deleteDirectlyRequiresConfirmation, {true, false}}}}},
-    {"Open in Terminal",
+    {command_name::openInTerminal,
      {translatable("New tab"), translatable("New window")},
      {{{settings_key::enableOpenInTerminalWithWindow, {false, true}}, {}}}},
-    {"Open in iTerm2",
+    {command_name::openInITerm2,
      {translatable("New tab"), translatable("New window")},
      {{{settings_key::enableOpenIniTerm2WithWindow, {false, true}}, {}}}},
-    {"Image to Icon for mac",
+    {command_name::imageToIconForMac,
      {translatable("Folder of images"), translatable(".icns file")},
      {{{settings_key::enableImageToIconInMac, {false, true}}, {}}}},
 }};

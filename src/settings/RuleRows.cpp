@@ -50,9 +50,6 @@ constexpr std::array othersColumns{
 constexpr int iconSide = 28;
 constexpr int commandIconSide = 20;
 
-/// The command whose image stands for every command that has its name in its own.
-constexpr const char* sharedImageName = "Snapvane";
-
 RuleCell textCell(std::string text) {
   RuleCell cell;
   cell.text = std::move(text);
@@ -105,6 +102,8 @@ bool isAlwaysOn(const PropertyList& othersRecord) {
 RuleRows::RuleRows(Platform& platform)
     : platform_(platform),
       standardUserDefaults_(platform.userDefaults.standardUserDefaults()),
+      localized_(
+          [&platform](const std::string& key) { return platform.bundle.localizedString(key); }),
       homePath_(realHomePath(platform.bundle.account())) {
   const auto container = platform.fileManager.containerPathForSecurityApplicationGroupIdentifier(
       platform.bundle.groupIdentifier());
@@ -134,7 +133,8 @@ RuleCell RuleRows::tableViewForCreateNewFile(std::string_view column,
   const std::string extension = record.stringForKey(record_field::extension);
   if (column == "Extension") return textCell(extension);
   if (column == "NewFileDisplayName") {
-    return editableCell(titleOf(record, record_field::modified), "NewFileDisplayName");
+    return editableCell(titleOfRow(record, record_field::modified, localized_),
+                        "NewFileDisplayName");
   }
   if (column == "Enable") return switchCell(record, record_field::enable);
   if (column == "EnableMainMenu") return switchCell(record, record_field::enableMainMenu);
@@ -149,7 +149,8 @@ RuleCell RuleRows::tableViewForCreateNewFile(std::string_view column,
 
 RuleCell RuleRows::tableViewForCopyTo(std::string_view column, const PropertyList& record) const {
   // The end of editing tells this list by "Note".
-  if (column == "DisplayName") return editableCell(folderTitleOf(record), "Note");
+  if (column == "DisplayName")
+    return editableCell(titleOfFolderRow(record, homePath_, localized_), "Note");
   if (column == column_identifier::realPath) return pathCell(record);
   if (column == "Enable") return switchCell(record, record_field::enable);
   if (column == "SendFileIcon") return folderIconCell(record);
@@ -159,7 +160,7 @@ RuleCell RuleRows::tableViewForCopyTo(std::string_view column, const PropertyLis
 RuleCell RuleRows::tableViewForCommonPath(std::string_view column,
                                           const PropertyList& record) const {
   if (column == "commonPathDisplayName") {
-    return editableCell(folderTitleOf(record), "commonPathDisplayName");
+    return editableCell(titleOfFolderRow(record, homePath_, localized_), "commonPathDisplayName");
   }
   if (column == column_identifier::realPath) return pathCell(record);
   if (column == "commonPathIcon") return folderIconCell(record);
@@ -169,7 +170,7 @@ RuleCell RuleRows::tableViewForCommonPath(std::string_view column,
 RuleCell RuleRows::tableViewForCustomIcon(std::string_view column,
                                           const PropertyList& record) const {
   if (column == "CustomIconName") {
-    return editableCell(titleOf(record, record_field::modified), "CustomIconName");
+    return editableCell(titleOfRow(record, record_field::modified, localized_), "CustomIconName");
   }
   if (column == "Enable") return switchCell(record, record_field::enable);
   if (column == "Icon") {
@@ -186,7 +187,7 @@ RuleCell RuleRows::tableViewForCustomIcon(std::string_view column,
 RuleCell RuleRows::tableViewForOthers(std::string_view column, const PropertyList& record) const {
   const std::string action = record.stringForKey(record_field::action);
   if (column == "OthersDisplayName") {
-    std::string title = titleOf(record, record_field::nameModified);
+    std::string title = titleOfRow(record, record_field::nameModified, localized_);
     if (isAlwaysOn(record)) return textCell(std::move(title));
     return editableCell(std::move(title), "OthersDisplayName");
   }
@@ -209,20 +210,6 @@ RuleCell RuleRows::optionCell(const std::string& action) const {
   cell.chosenOption =
       platform_.bundle.localizedString(option->choices.at(static_cast<std::size_t>(chosen)));
   return cell;
-}
-
-std::string RuleRows::titleOf(const PropertyList& record, const char* modifiedField) const {
-  std::string title = record.stringForKey(record_field::displayName);
-  if (record.boolForKey(modifiedField)) return title;
-  return platform_.bundle.localizedString(title);
-}
-
-std::string RuleRows::folderTitleOf(const PropertyList& record) const {
-  std::string title = record.stringForKey(record_field::displayName);
-  if (!title.empty()) return title;
-  return displayNameOfFolder(
-      expandingHome(record.stringForKey(record_field::realPath), homePath_), homePath_,
-      [this](const std::string& key) { return platform_.bundle.localizedString(key); });
 }
 
 RuleCell RuleRows::pathCell(const PropertyList& record) const {
@@ -248,8 +235,10 @@ std::string RuleRows::sizeOf(const PropertyList& record) const {
 }
 
 RowIcon RuleRows::resourceIcon(const std::string& action) const {
-  const bool isShared = action.find(sharedImageName) != action.npos;
-  const auto path = platform_.bundle.pathForResource(isShared ? sharedImageName : action, "png");
+  // One image stands for all of these commands.
+  const bool isPinning = action.find(command_name::snapvane) != action.npos;
+  const auto path =
+      platform_.bundle.pathForResource(isPinning ? command_name::snapvane : action, "png");
   if (!path) return {};
   return row_icon::Resource{*path};
 }

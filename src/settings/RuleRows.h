@@ -8,6 +8,7 @@
 
 #include "foundation/PropertyList.h"
 #include "platform/Platform.h"
+#include "settings/RowTitles.h"
 #include "settings/SettingsKeys.h"
 
 namespace tavrin {
@@ -100,8 +101,6 @@ class RuleRows {
   RuleCell tableViewForOthers(std::string_view column, const PropertyList& record) const;
 
  private:
-  std::string titleOf(const PropertyList& record, const char* modifiedField) const;
-  std::string folderTitleOf(const PropertyList& record) const;
   RuleCell pathCell(const PropertyList& record) const;
   RuleCell folderIconCell(const PropertyList& record) const;
   std::string sizeOf(const PropertyList& record) const;
@@ -110,6 +109,7 @@ class RuleRows {
 
   Platform& platform_;
   std::unique_ptr<UserDefaults> standardUserDefaults_;
+  Localization localized_;
   std::string homePath_;
   std::string templatesFolder_;
 };

@@ -160,11 +160,19 @@ void SettingsController::publishList(RuleList list) {
   const RuleListKeys& keys = keysOfRuleList(list);
   const PropertyList::Array& rows = workingLists_.list(list);
   PropertyList::Array enabledRows;
-  for (const PropertyList& row : rows) {
-    if (row.boolForKey(record_field::enable)) enabledRows.push_back(row);
+  PropertyList::Array positions;
+  for (std::size_t index = 0; index < rows.size(); ++index) {
+    if (!rows[index].boolForKey(record_field::enable)) continue;
+    enabledRows.push_back(rows[index]);
+    positions.emplace_back(static_cast<std::int64_t>(index) + 1);
   }
   if (keys.enableAllKey != nullptr) {
     standardUserDefaults_.setObject(enabledRows.size() == rows.size(), keys.enableAllKey);
+  }
+  // Requests name an icon by its place among all rows, which the menu does not see. The list that
+  // follows makes it durable.
+  if (list == RuleList::CustomIcon) {
+    openSharedSuite()->setObject(positions, settings_key::positionsOfCustomIcon);
   }
   saveData(std::move(enabledRows), keys.listKey);
 }

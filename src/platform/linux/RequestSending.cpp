@@ -10,45 +10,12 @@
 #include "platform/linux/GLibPointers.h"
 #include "platform/linux/Identity.h"
 #include "platform/linux/RequestFolder.h"
+#include "platform/linux/SessionBus.h"
 #include "platform/linux/SystemErrors.h"
 
 namespace tavrin {
 
 namespace {
-
-std::errc causeOf(const GLibError& error) {
-  if (error.matches(G_IO_ERROR, G_IO_ERROR_TIMED_OUT) ||
-      error.matches(G_DBUS_ERROR, G_DBUS_ERROR_TIMEOUT)) {
-    return std::errc::timed_out;
-  }
-  if (error.matches(G_DBUS_ERROR, G_DBUS_ERROR_SERVICE_UNKNOWN) ||
-      error.matches(G_DBUS_ERROR, G_DBUS_ERROR_NAME_HAS_NO_OWNER)) {
-    return std::errc::no_such_device_or_address;
-  }
-  return std::errc::connection_refused;
-}
-
-SystemError busError(const char* operation, const GLibError& error) {
-  return systemError(operation, "(" + error.message() + ")", causeOf(error));
-}
-
-/// The process's shared connection would end a process that did not make it itself.
-Result<std::shared_ptr<GDBusConnection>> connectToSessionBus() {
-  GLibError error;
-  const GLibPointer<char> address(
-      g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, error.slot()));
-  if (!address) return busError("find the session bus", error);
-  const auto flags =
-      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-  GDBusConnection* connection =
-      g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, error.slot());
-  if (connection == nullptr) return busError("reach the session bus", error);
-  return std::shared_ptr<GDBusConnection>(connection, [](GDBusConnection* open) {
-    g_dbus_connection_close_sync(open, nullptr, nullptr);
-    g_object_unref(open);
-  });
-}
 
 Status askToOpen(GDBusConnection* connection, const std::string& path,
                  std::chrono::milliseconds patience) {
@@ -73,14 +40,17 @@ Status writeAndSend(const PropertyList& request, std::chrono::milliseconds patie
 
 /// A request on its way on another thread. The mutex orders the two threads, whoever lets go last.
 struct Sending {
-  Sending(PropertyList whatToSend, RequestCompletion whenSent)
-      : request(std::move(whatToSend)),
+  Sending(std::vector<PropertyList> whatToSend, RequestCompletion whenSent,
+          std::chrono::milliseconds howLong)
+      : requests(std::move(whatToSend)),
         completion(std::move(whenSent)),
+        patience(howLong),
         context(g_main_context_ref_thread_default()) {}
 
   std::mutex mutex;
-  const PropertyList request;
+  const std::vector<PropertyList> requests;
   const RequestCompletion completion;
+  const std::chrono::milliseconds patience;
   /// The caller's.
   const GLibPointer<GMainContext> context;
   Status outcome = systemError("start", "a thread", EAGAIN);
@@ -113,7 +83,11 @@ void completeInLoop(Sending* sending) {
 
 void sendAndComplete(Sending* sending) {
   const std::lock_guard lock(sending->mutex);
-  sending->outcome = sendRequest(sending->request);
+  sending->outcome = success();
+  for (const PropertyList& request : sending->requests) {
+    sending->outcome = sendRequest(request, sending->patience);
+    if (!sending->outcome) break;
+  }
   completeInLoop(sending);
 }
 
@@ -127,9 +101,11 @@ Status sendRequest(const PropertyList& request, std::chrono::milliseconds patien
   }
 }
 
-void sendRequestAsync(PropertyList request, RequestCompletion completion) noexcept {
+void sendRequestsAsync(std::vector<PropertyList> requests, RequestCompletion completion,
+                       std::chrono::milliseconds patience) noexcept {
   // Without memory GLib ends the process as well.
-  auto* sending = std::make_unique<Sending>(std::move(request), std::move(completion)).release();
+  auto* sending =
+      std::make_unique<Sending>(std::move(requests), std::move(completion), patience).release();
   try {
     std::thread(sendAndComplete, sending).detach();
   } catch (...) {

@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <functional>
+#include <vector>
 
 #include "foundation/PropertyList.h"
 #include "foundation/Result.h"
@@ -23,9 +24,10 @@ using RequestCompletion = std::function<void(const Status&)>;
 Status sendRequest(const PropertyList& request,
                    std::chrono::milliseconds patience = patienceWithHost) noexcept;
 
-/// The same without waiting: all of it happens on another thread. `completion` is called in the
-/// thread-default main context (GLib's) of the calling thread, not before this returns. An
-/// exception of `completion` is dropped.
-void sendRequestAsync(PropertyList request, RequestCompletion completion) noexcept;
+/// Sends requests, one after the other until one fails, without waiting: all of it happens on
+/// another thread. `completion` is called in the thread-default main context (GLib's) of the
+/// calling thread, not before this returns. An exception of `completion` is dropped.
+void sendRequestsAsync(std::vector<PropertyList> requests, RequestCompletion completion,
+                       std::chrono::milliseconds patience = patienceWithHost) noexcept;
 
 }  // namespace tavrin

@@ -64,7 +64,7 @@ TEST_F(RequestSendingTest, callsBackInTheCallersLoopAndNotBefore) {
   std::vector<std::string> outcomes;
   const auto thread = std::this_thread::get_id();
   for (int number = 0; number < 20; ++number) {
-    sendRequestAsync(request("/x"), [&](const Status& outcome) {
+    sendRequestsAsync({request("/x")}, [&](const Status& outcome) {
       EXPECT_EQ(std::this_thread::get_id(), thread);
       outcomes.push_back(outcome ? "accepted" : outcome.error().describe());
       if (outcomes.size() == 1) throw std::runtime_error("in a callback");
@@ -85,7 +85,7 @@ TEST_F(RequestSendingTest, saysThatNoHostIsThere) {
   EXPECT_TRUE(noFileIsLeft());
 
   std::string answer;
-  sendRequestAsync(request("/one"),
+  sendRequestsAsync({request("/one")},
                    [&](const Status& late) { answer = late ? "" : late.error().describe(); });
   ASSERT_TRUE(test::waitUntil([&] { return !answer.empty(); }));
   EXPECT_EQ(answer, outcome.error().describe());

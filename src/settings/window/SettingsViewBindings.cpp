@@ -38,6 +38,7 @@ void SettingsViewController::bindSwitches() {
   connect(ui.enableAllOfOthers, clicked, this, &Self::enableAllOfOthersClick);
   connect(ui.enableTextService, clicked, this, &Self::textServiceCheckButtonClick);
   connect(ui.restartFinderButton, clicked, this, &Self::restartFinder);
+  connect(ui.fileManagersButton, clicked, this, &Self::showFileManagers);
 }
 
 void SettingsViewController::makeOptions() {
@@ -49,14 +50,15 @@ void SettingsViewController::makeOptions() {
   };
   const Ui::PreferencesWindow& ui = outlets_;
   const OptionOutlets optionOutlets[] = {
-      {"Cut", ui.popUpButtonOfCut, ui.enableHideWhenCutting, settings_key::enableHideWhenCutting},
-      {"Delete directly", ui.popUpButtonOfDirectDelete, ui.deleteDirectlyRequiresConfirmation,
-       settings_key::deleteDirectlyRequiresConfirmation},
-      {"Open in Terminal", ui.popUpButtonOfOpeninTerminal, ui.enableOpenInTerminalWithWindow,
-       settings_key::enableOpenInTerminalWithWindow},
-      {"Open in iTerm2", ui.popUpButtonOfOpeniTerm2, ui.enableOpenIniTerm2WithWindow,
+      {command_name::cut, ui.popUpButtonOfCut, ui.enableHideWhenCutting,
+       settings_key::enableHideWhenCutting},
+      {command_name::deleteDirectly, ui.popUpButtonOfDirectDelete,
+       ui.deleteDirectlyRequiresConfirmation, settings_key::deleteDirectlyRequiresConfirmation},
+      {command_name::openInTerminal, ui.popUpButtonOfOpeninTerminal,
+       ui.enableOpenInTerminalWithWindow, settings_key::enableOpenInTerminalWithWindow},
+      {command_name::openInITerm2, ui.popUpButtonOfOpeniTerm2, ui.enableOpenIniTerm2WithWindow,
        settings_key::enableOpenIniTerm2WithWindow},
-      {"Image to Icon for mac", ui.popUpButtonOfImageToIconInMac, ui.enableImageToIconInMac,
+      {command_name::imageToIconForMac, ui.popUpButtonOfImageToIconInMac, ui.enableImageToIconInMac,
        settings_key::enableImageToIconInMac},
   };
   for (const auto& [action, popUp, checkBox, key] : optionOutlets) {

@@ -10,6 +10,10 @@ constexpr const char* secondTerminalIdentifier = "com.googlecode.iterm2";
 
 }  // namespace
 
+TerminalServiceRegistry::TerminalServiceRegistry(Platform& platform)
+    : platform_{platform.fileManager, platform.launchServices, platform.pasteboards,
+                platform.services, platform.log} {}
+
 std::vector<TerminalService> TerminalServiceRegistry::services() const {
   std::vector<TerminalService> services = {
       {"Terminal", "Open Terminal Tab", "New Terminal Tab at Folder", "com.apple.terminal.tab"},

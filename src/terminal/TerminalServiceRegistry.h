@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/Platform.h"
+#include "terminal/TerminalPlatform.h"
 #include "terminal/TerminalService.h"
 
 namespace tavrin {
@@ -14,8 +15,9 @@ namespace tavrin {
 /// May be used where the platform's services may.
 class TerminalServiceRegistry {
  public:
-  /// `platform` outlives the registry.
-  explicit TerminalServiceRegistry(Platform& platform) : platform_(platform) {}
+  /// The services of `platform` outlive the registry.
+  explicit TerminalServiceRegistry(const TerminalPlatform& platform) : platform_(platform) {}
+  explicit TerminalServiceRegistry(Platform& platform);
 
   /// The system's terminal, and iTerm2 where it is installed; the tab before the window.
   std::vector<TerminalService> services() const;
@@ -37,7 +39,7 @@ class TerminalServiceRegistry {
   static TerminalServiceRegistry& sharedInstance(Platform& platform);
 
  private:
-  Platform& platform_;
+  const TerminalPlatform platform_;
 };
 
 }  // namespace tavrin

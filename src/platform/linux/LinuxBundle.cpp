@@ -1,6 +1,7 @@
 #include "platform/linux/LinuxBundle.h"
 
 #include <filesystem>
+#include <utility>
 
 #include "foundation/PathString.h"
 #include "platform/linux/Identity.h"
@@ -9,9 +10,12 @@
 
 namespace tavrin {
 
-LinuxBundle::LinuxBundle() : programFolder_(programDirectory()), account_(currentAccount()) {
+LinuxBundle::LinuxBundle() : LinuxBundle(programDirectory()) {
   bindInstalledTextTable();
 }
+
+LinuxBundle::LinuxBundle(std::string programFolder)
+    : programFolder_(std::move(programFolder)), account_(currentAccount()) {}
 
 std::string LinuxBundle::bundlePath() const {
   std::error_code ignored;

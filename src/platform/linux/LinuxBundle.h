@@ -7,7 +7,12 @@ namespace tavrin {
 /// The installation around the running program.
 class LinuxBundle final : public Bundle {
  public:
+  /// Of a program that users start.
   LinuxBundle();
+
+  /// Of another one: `programFolder`, an absolute path, is where those that users start stand. Its
+  /// texts are left in English.
+  explicit LinuxBundle(std::string programFolder);
 
   std::string bundlePath() const override;
   std::string resourcePath() const override;

@@ -1,6 +1,5 @@
 #include "platform/linux/LinuxServices.h"
 
-#include "platform/linux/ProgramLauncher.h"
 #include "platform/linux/TerminalChoice.h"
 
 namespace tavrin {
@@ -11,7 +10,7 @@ bool LinuxServices::performService(const std::optional<std::string>& name, Paste
   const auto folder = pasteboard.stringForType(PasteboardType::String);
   if (placeName == nullptr || !folder || folder->find('\0') != std::string::npos) return false;
   const auto command = chooseTerminal(terminals_, *placeName, *folder);
-  return command && launchProgram(command->program, command->arguments, *folder);
+  return command && launchProgram(command->program, command->arguments, *folder, startupToken_);
 }
 
 }  // namespace tavrin

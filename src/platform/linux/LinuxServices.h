@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Services.h"
+#include "platform/linux/ProgramLauncher.h"
 #include "platform/linux/ResourceTable.h"
 
 namespace tavrin {
@@ -9,15 +10,17 @@ namespace tavrin {
 /// path stands on the pasteboard, as plain text, in a new tab or window.
 class LinuxServices final : public Services {
  public:
-  /// All three outlive the services.
-  LinuxServices(const Bundle& bundle, PropertyListSerialization& propertyLists, Log& log)
-      : terminals_(bundle, propertyLists, log, "Terminals") {}
+  /// The first three outlive the services.
+  LinuxServices(const Bundle& bundle, PropertyListSerialization& propertyLists, Log& log,
+                StartupToken startupToken = StartupToken::Withhold)
+      : terminals_(bundle, propertyLists, log, "Terminals"), startupToken_(startupToken) {}
 
   /// True when a terminal was started; it is no child of this process.
   bool performService(const std::optional<std::string>& name, Pasteboard& pasteboard) override;
 
  private:
   ResourceTable terminals_;
+  const StartupToken startupToken_;
 };
 
 }  // namespace tavrin

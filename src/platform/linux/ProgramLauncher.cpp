@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 
 #include "platform/linux/GLibPointers.h"
@@ -14,9 +15,13 @@ void becomeSessionLeader(gpointer) {
   ::setsid();
 }
 
-GLibPointer<char*> environmentFor(const std::string& workingFolder) {
+GLibPointer<char*> environmentFor(const std::string& workingFolder, StartupToken startupToken) {
   char** environment = g_get_environ();
-  for (const char* name : variablesOfOwnStart) environment = g_environ_unsetenv(environment, name);
+  for (const char* name : variablesOfOwnStart) {
+    const bool isToken = std::ranges::count(variablesOfStartupToken, name) != 0;
+    if (isToken && startupToken == StartupToken::HandOn) continue;
+    environment = g_environ_unsetenv(environment, name);
+  }
   return GLibPointer<char*>(g_environ_setenv(environment, "PWD", workingFolder.c_str(), TRUE));
 }
 
@@ -31,15 +36,15 @@ std::error_code causeOf(const GLibError& error) {
 }  // namespace
 
 Status launchProgram(const std::string& path, const std::vector<std::string>& arguments,
-                     const std::string& workingFolder) {
+                     const std::string& workingFolder, StartupToken startupToken) {
   std::vector<char*> argv = {const_cast<char*>(path.c_str())};
   for (const std::string& argument : arguments) argv.push_back(const_cast<char*>(argument.c_str()));
   argv.push_back(nullptr);
   GLibError error;
   // Without G_SPAWN_DO_NOT_REAP_CHILD GLib starts a grandchild and reaps the child between.
-  if (g_spawn_async(workingFolder.c_str(), argv.data(), environmentFor(workingFolder).get(),
-                    G_SPAWN_STDOUT_TO_DEV_NULL, becomeSessionLeader, nullptr, nullptr,
-                    error.slot()) == FALSE) {
+  if (g_spawn_async(workingFolder.c_str(), argv.data(),
+                    environmentFor(workingFolder, startupToken).get(), G_SPAWN_STDOUT_TO_DEV_NULL,
+                    becomeSessionLeader, nullptr, nullptr, error.slot()) == FALSE) {
     return SystemError{"launch", path, causeOf(error)};
   }
   return success();

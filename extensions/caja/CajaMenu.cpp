@@ -16,6 +16,7 @@ struct Caja {
   using InfoInterface = CajaInfoProviderIface;
 
   static constexpr const char* typeName = "TavrinCajaMenu";
+  static constexpr bool sameTitles = true;
   static constexpr auto menuProviderType = &caja_menu_provider_get_type;
   static constexpr auto infoProviderType = &caja_info_provider_get_type;
   static constexpr auto itemsUpdated = &caja_menu_provider_emit_items_updated_signal;
@@ -32,7 +33,7 @@ struct Caja {
   static constexpr auto invalidate = &caja_file_info_invalidate_extension_info;
 
   static MenuExtension::FileManager fileManager() {
-    return {file_manager::caja, TAVRIN_PREFIX_FROM_MODULE, &copyTextByGtk3, nullptr};
+    return {file_manager::caja, TAVRIN_PREFIX_FROM_MODULE, &gtk3::copyText, &gtk3::startupToken};
   }
   static void connect(MenuInterface* menus);
   static void connect(InfoInterface* infos);

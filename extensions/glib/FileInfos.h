@@ -7,14 +7,14 @@
 #include <vector>
 
 #include "menu/SelectedItems.h"
+#include "platform/linux/GLibPointers.h"
 
 namespace tavrin {
 
-/// The text that a GLib function hands over; null reads as "".
+/// Takes a text of GLib's over; null reads as "".
 inline std::string takeText(char* text) {
-  std::string taken(text == nullptr ? "" : text);
-  g_free(text);
-  return taken;
+  const GLibPointer<char> owned(text);
+  return owned ? std::string(owned.get()) : std::string();
 }
 
 /// The URI of a file of a file manager: where a list of recent files or of results leads to a file
@@ -22,7 +22,7 @@ inline std::string takeText(char* text) {
 template <typename Manager>
 std::string uriOf(typename Manager::FileInfo* file) {
   constexpr std::string_view ofDisk = "file:";
-  // What lies in the trash is no file of the user's, though it has one behind it.
+  // What lies in the trash is to be put back, not worked on, though there is a file behind it.
   constexpr std::string_view ofTrash = "trash:";
   std::string uri = takeText(Manager::fileUri(file));
   if (uri.starts_with(ofDisk) || uri.starts_with(ofTrash)) return uri;
@@ -35,29 +35,25 @@ template <typename Manager>
 class FileInfos : public SelectedItems {
  public:
   /// Of a list of file infos; null is the empty list.
-  explicit FileInfos(GList* files) {
-    files_.reserve(g_list_length(files));
-    for (GList* file = files; file != nullptr; file = file->next) {
-      files_.push_back(static_cast<typename Manager::FileInfo*>(g_object_ref(file->data)));
+  explicit FileInfos(const GList* files) {
+    for (; files != nullptr; files = files->next) {
+      files_.emplace_back(static_cast<FileInfo*>(g_object_ref(files->data)));
     }
   }
-  ~FileInfos() override {
-    for (auto* file : files_) g_object_unref(file);
-  }
-  FileInfos(const FileInfos&) = delete;
-  FileInfos& operator=(const FileInfos&) = delete;
 
   std::size_t count() const override { return files_.size(); }
-  std::string uri(std::size_t index) const override { return uriOf<Manager>(files_.at(index)); }
+  std::string uri(std::size_t index) const override { return uriOf<Manager>(files_[index].get()); }
   bool isFolder(std::size_t index) const override {
-    return Manager::isFolder(files_.at(index)) != FALSE;
+    return Manager::isFolder(files_[index].get()) != FALSE;
   }
   std::string contentType(std::size_t index) const override {
-    return takeText(Manager::contentType(files_.at(index)));
+    return takeText(Manager::contentType(files_[index].get()));
   }
 
  private:
-  std::vector<typename Manager::FileInfo*> files_;
+  using FileInfo = typename Manager::FileInfo;
+
+  std::vector<GObjectPointer<FileInfo>> files_;
 };
 
 }  // namespace tavrin

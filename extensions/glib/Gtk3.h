@@ -1,16 +1,14 @@
 #pragma once
 
-#include <gtk/gtk.h>
-
 #include <string>
 
-namespace tavrin {
+/// For the file managers that run on GTK 3.
+namespace tavrin::gtk3 {
 
-/// Puts a text on the clipboard; a clipboard manager keeps it when the process ends.
-inline void copyTextByGtk3(const std::string& text) {
-  GtkClipboard* clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
-  gtk_clipboard_set_text(clipboard, text.data(), static_cast<int>(text.size()));
-  gtk_clipboard_set_can_store(clipboard, nullptr, 0);
-}
+/// Puts a text, in UTF-8, on the clipboard, where it stays when the file manager ends.
+void copyText(const std::string& text);
 
-}  // namespace tavrin
+/// For a program that is started by the click being handled; "" when there is no such click.
+std::string startupToken();
+
+}  // namespace tavrin::gtk3

@@ -6,8 +6,8 @@
 
 namespace tavrin {
 
-/// Runs what C code has called: no exception may reach it. What `work` returns, or a value of its
-/// type made of nothing where it has thrown.
+/// Runs what C code has called: no exception may reach it. Returns what `work` does, or the empty
+/// value of its type where it has thrown.
 template <typename Work>
 auto guarded(Work work) noexcept -> decltype(work()) {
   try {

@@ -12,4 +12,10 @@ std::string itemLabel(const MenuItem& item) {
   return label;
 }
 
+std::string distinctLabel(const MenuItem& item, std::size_t number) {
+  std::string label = itemLabel(item);
+  for (std::size_t mark = 0; mark < number; ++mark) label += "\u2060";  // WORD JOINER
+  return label;
+}
+
 }  // namespace tavrin

@@ -1,18 +1,23 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "menu/MenuItem.h"
 
 namespace tavrin {
 
-/// The name of an icon of the theme: the emblem of a file that waits to be pasted.
-inline constexpr const char* cutEmblem = "edit-cut";
+/// The emblem of a file that waits to be pasted, a name in the icon theme behind "emblem-".
+inline constexpr const char* cutEmblem = "tavrin-cut";
 
 /// By what a file manager tells an item from those of other extensions.
 std::string itemName(const MenuItem& item);
 
 /// The title as a label whose mnemonics are marked by "_".
 std::string itemLabel(const MenuItem& item);
+
+/// The same, unlike that of any other item, though it looks the same: `number` counts the items of
+/// a menu that need it, from 1.
+std::string distinctLabel(const MenuItem& item, std::size_t number);
 
 }  // namespace tavrin

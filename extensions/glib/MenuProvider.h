@@ -4,22 +4,26 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "extensions/common/MenuExtension.h"
 #include "extensions/glib/FileInfos.h"
 #include "extensions/glib/Guard.h"
 #include "extensions/glib/Labels.h"
+#include "platform/linux/GLibPointers.h"
 
 namespace tavrin {
 
 /// The object that Nautilus, or a file manager that descends from it, asks for the items of its
 /// menus and for the emblems of files. `Manager` says by which types and functions:
-/// - FileInfo, Item, Submenu, MenuInterface, InfoInterface: the types of its library;
-/// - menuProviderType, infoProviderType, itemsUpdated: of the interfaces;
-/// - newItem, newSubmenu, append, setSubmenu: of the menu; append and setSubmenu take a reference;
+/// - FileInfo, Item, MenuObject, MenuInterface, InfoInterface: the types of its library;
+/// - menuProviderType, infoProviderType, itemsUpdated: of its interfaces;
+/// - newItem, newSubmenu, append, setSubmenu: of its menu; the last two take a reference;
 /// - fileUri, fileActivationUri, isFolder, contentType, addEmblem, lookUp, invalidate: of a file;
-/// - typeName, fileManager, connect (both interfaces): what it adds itself.
+/// - typeName, fileManager(): what this module is;
+/// - sameTitles: whether it tells submenus of the same title from each other;
+/// - connect(), of both interfaces: sets the functions below, in its own signatures.
 template <typename Manager>
 class MenuProvider {
  public:
@@ -39,7 +43,7 @@ class MenuProvider {
       object->provider = guarded([object] { return new MenuProvider(object); });
     };
     type_ = g_type_module_register_type(module, G_TYPE_OBJECT, Manager::typeName, &info,
-                                        static_cast<GTypeFlags>(0));
+                                        G_TYPE_FLAG_FINAL);
     addInterface<typename Manager::MenuInterface>(module, Manager::menuProviderType());
     addInterface<typename Manager::InfoInterface>(module, Manager::infoProviderType());
   }
@@ -52,7 +56,7 @@ class MenuProvider {
 
   // What the interfaces ask for; `object` is the provider.
 
-  /// A list of menu items for selected files, owned by the caller.
+  /// A list of menu items for selected files, which the caller owns.
   static GList* itemsForFiles(gpointer object, GList* files) {
     return answer(object, [files](MenuProvider& provider) {
       return provider.itemsOf(
@@ -75,10 +79,18 @@ class MenuProvider {
   }
 
  private:
+  using Item = typename Manager::Item;
+
   struct Object {
     GObject parent;
     MenuProvider* provider;
   };
+  /// A menu that is being turned into items.
+  struct Opening {
+    std::shared_ptr<const OpenedMenu> menu;
+    std::size_t submenus = 0;
+  };
+  /// What an item does. Items may outlive the provider.
   struct Click {
     std::shared_ptr<MenuExtension> extension;
     std::shared_ptr<const OpenedMenu> menu;
@@ -117,57 +129,55 @@ class MenuProvider {
   }
 
   static void invalidate(const std::string& uri) {
-    FileInfo* file = Manager::lookUp(uri.c_str());
-    if (file == nullptr) return;
-    Manager::invalidate(file);
-    g_object_unref(file);
+    const GObjectPointer<FileInfo> file(Manager::lookUp(uri.c_str()));
+    if (file) Manager::invalidate(file.get());
   }
 
-  GList* itemsOf(const std::shared_ptr<const OpenedMenu>& menu) const {
+  GList* itemsOf(std::shared_ptr<const OpenedMenu> menu) const {
+    Opening opening{std::move(menu)};
     GList* items = nullptr;
-    for (const MenuItem& item : menu->items) items = g_list_prepend(items, newItem(menu, item));
+    for (const MenuItem& item : opening.menu->items) {
+      items = g_list_prepend(items, newItem(opening, item).release());
+    }
     return g_list_reverse(items);
   }
 
-  typename Manager::Item* newItem(const std::shared_ptr<const OpenedMenu>& menu,
-                                  const MenuItem& item) const {
-    auto* made = Manager::newItem(itemName(item).c_str(), itemLabel(item).c_str(), "",
-                                  item.icon.empty() ? nullptr : item.icon.c_str());
-    if (item.submenu.empty()) {
-      connectClick(made, new Click{extension_, menu, item});
+  GObjectPointer<Item> newItem(Opening& opening, const MenuItem& item) const {
+    const bool isParent = !item.submenu.empty();
+    const std::string label = isParent && !Manager::sameTitles
+                                  ? distinctLabel(item, ++opening.submenus)
+                                  : itemLabel(item);
+    // A tooltip must be given, though it may be empty.
+    GObjectPointer<Item> made(Manager::newItem(itemName(item).c_str(), label.c_str(), "",
+                                               item.icon.empty() ? nullptr : item.icon.c_str()));
+    if (isParent) {
+      addSubmenu(opening, made.get(), item);
     } else {
-      addSubmenu(made, menu, item);
+      connectClick(made.get(), new Click{extension_, opening.menu, item});
     }
     return made;
   }
 
-  void addSubmenu(typename Manager::Item* parent, const std::shared_ptr<const OpenedMenu>& menu,
-                  const MenuItem& item) const {
-    auto* submenu = Manager::newSubmenu();
+  void addSubmenu(Opening& opening, Item* parent, const MenuItem& item) const {
+    auto* made = Manager::newSubmenu();
+    const GObjectPointer<std::remove_pointer_t<decltype(made)>> submenu(made);
     for (const MenuItem& child : item.submenu) {
-      auto* made = newItem(menu, child);
-      Manager::append(submenu, made);
-      g_object_unref(made);
+      Manager::append(submenu.get(), newItem(opening, child).get());
     }
-    Manager::setSubmenu(parent, submenu);
-    g_object_unref(submenu);
+    Manager::setSubmenu(parent, submenu.get());
   }
 
   static void connectClick(gpointer item, Click* click) {
-    const GCallback clicked = reinterpret_cast<GCallback>(+[](gpointer, gpointer data) {
-      // The click outlives its item, which the activation may end.
-      const Click held = *static_cast<Click*>(data);
-      held.extension->activate(*held.menu, held.item);
-    });
     g_signal_connect_data(
-        item, "activate", clicked, click,
-        [](gpointer data, GClosure*) { delete static_cast<Click*>(data); },
-        static_cast<GConnectFlags>(0));
+        item, "activate", G_CALLBACK(+[](gpointer, gpointer data) {
+          auto* clicked = static_cast<Click*>(data);
+          clicked->extension->activate(*clicked->menu, clicked->item);
+        }),
+        click, [](gpointer data, GClosure*) { delete static_cast<Click*>(data); }, GConnectFlags{});
   }
 
   static inline GType type_ = 0;
 
-  /// Held by the items too, which may outlive this.
   std::shared_ptr<MenuExtension> extension_;
 };
 

@@ -1,29 +1,16 @@
-#include <dlfcn.h>
 #include <gio/gio.h>
 
 #include "extensions/glib/MenuProvider.h"
+#include "extensions/nautilus/Gtk4.h"
 #include "menu/FileManagers.h"
 
+// Its declarations are not C's by themselves.
 extern "C" {
 #include <nautilus-extension.h>
 }
 
 namespace tavrin {
 namespace {
-
-/// A function of the process's own GTK 4; null where it has none.
-template <typename Function>
-Function* functionOfProcess(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_DEFAULT, name));
-}
-
-void copyText(const std::string& text) {
-  auto* display = functionOfProcess<void*()>("gdk_display_get_default");
-  auto* clipboard = functionOfProcess<void*(void*)>("gdk_display_get_clipboard");
-  auto* setText = functionOfProcess<void(void*, const char*)>("gdk_clipboard_set_text");
-  if (display == nullptr || clipboard == nullptr || setText == nullptr) return;
-  setText(clipboard(display()), text.c_str());
-}
 
 struct Nautilus {
   using FileInfo = NautilusFileInfo;
@@ -33,6 +20,7 @@ struct Nautilus {
   using InfoInterface = NautilusInfoProviderInterface;
 
   static constexpr const char* typeName = "TavrinNautilusMenu";
+  static constexpr bool sameTitles = false;
   static constexpr auto menuProviderType = &nautilus_menu_provider_get_type;
   static constexpr auto infoProviderType = &nautilus_info_provider_get_type;
   static constexpr auto itemsUpdated = &nautilus_menu_provider_emit_items_updated_signal;
@@ -49,7 +37,8 @@ struct Nautilus {
   static constexpr auto invalidate = &nautilus_file_info_invalidate_extension_info;
 
   static MenuExtension::FileManager fileManager() {
-    return {file_manager::nautilus, TAVRIN_PREFIX_FROM_MODULE, &copyText, nullptr};
+    return {file_manager::nautilus, TAVRIN_PREFIX_FROM_MODULE, &gtk4::copyText,
+            &gtk4::startupToken};
   }
   static void connect(MenuInterface* menus);
   static void connect(InfoInterface* infos);

@@ -16,6 +16,7 @@ struct Nemo {
   using InfoInterface = NemoInfoProviderInterface;
 
   static constexpr const char* typeName = "TavrinNemoMenu";
+  static constexpr bool sameTitles = true;
   static constexpr auto menuProviderType = &nemo_menu_provider_get_type;
   static constexpr auto infoProviderType = &nemo_info_provider_get_type;
   static constexpr auto itemsUpdated = &nemo_menu_provider_emit_items_updated_signal;
@@ -32,7 +33,7 @@ struct Nemo {
   static constexpr auto invalidate = &nemo_file_info_invalidate_extension_info;
 
   static MenuExtension::FileManager fileManager() {
-    return {file_manager::nemo, TAVRIN_PREFIX_FROM_MODULE, &copyTextByGtk3, nullptr};
+    return {file_manager::nemo, TAVRIN_PREFIX_FROM_MODULE, &gtk3::copyText, &gtk3::startupToken};
   }
   static void connect(MenuInterface* menus);
   static void connect(InfoInterface* infos);

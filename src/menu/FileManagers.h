@@ -1,21 +1,3 @@
 #pragma once
 
-#include <array>
-
-namespace tavrin {
-
-/// The file managers that have the menu, by the names of their programs. The setting
-/// `disabledFileManagers` holds those where the user has switched it off.
-namespace file_manager {
-
-inline constexpr const char* nautilus = "nautilus";
-inline constexpr const char* nemo = "nemo";
-inline constexpr const char* caja = "caja";
-inline constexpr const char* thunar = "thunar";
-inline constexpr const char* dolphin = "dolphin";
-
-inline constexpr std::array<const char*, 5> all = {nautilus, nemo, caja, thunar, dolphin};
-
-}  // namespace file_manager
-
-}  // namespace tavrin
+#include "foundation/FileManagers.h"  // IWYU pragma: export

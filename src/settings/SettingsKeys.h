@@ -4,98 +4,83 @@
 #include <cstddef>
 #include <string_view>
 
+#include "foundation/FileManagers.h"
+
 #include "settings/CommandNames.h"
 
-/// The names that the settings are stored under. Other programs read them: none
-/// may change.
+/// The names that the settings are stored under. Other programs read them: none may change.
 namespace tavrin {
 
 /// The keys of both stores. A switch that is absent reads as off.
 namespace settings_key {
 
 // Switches that the program copies into the shared suite on every change.
-inline constexpr const char *soundTipsOfNewFile = "soundTipsOfNewFile";
-inline constexpr const char *enableCopyFilesTo = "enableCopyFilesTo";
-inline constexpr const char *enableCommonPath = "enableCommonPath";
-inline constexpr const char *enableMoveFilesTo = "enableMoveFilesTo";
-inline constexpr const char *enableIconOfCreateNewFile =
-    "enableIconOfCreateNewFile";
-inline constexpr const char *disableAutoNameOfCreateNewFile =
-    "disableAutoNameOfCreateNewFile";
-inline constexpr const char *enableAutoOpenAfterCreateNewFile =
-    "enableAutoOpenAfterCreateNewFile";
-inline constexpr const char *enableIconOfSendFilesTo =
-    "enableIconOfSendFilesTo";
-inline constexpr const char *enableIconOfCommonPath = "enableIconOfCommonPath";
-inline constexpr const char *enableIconOfCustomIcon = "enableIconOfCustomIcon";
-inline constexpr const char *enableIconOfOthers = "enableIconOfOthers";
-inline constexpr const char *deleteDirectlyRequiresConfirmation =
+inline constexpr const char* soundTipsOfNewFile = "soundTipsOfNewFile";
+inline constexpr const char* enableCopyFilesTo = "enableCopyFilesTo";
+inline constexpr const char* enableCommonPath = "enableCommonPath";
+inline constexpr const char* enableMoveFilesTo = "enableMoveFilesTo";
+inline constexpr const char* enableIconOfCreateNewFile = "enableIconOfCreateNewFile";
+inline constexpr const char* disableAutoNameOfCreateNewFile = "disableAutoNameOfCreateNewFile";
+inline constexpr const char* enableAutoOpenAfterCreateNewFile = "enableAutoOpenAfterCreateNewFile";
+inline constexpr const char* enableIconOfSendFilesTo = "enableIconOfSendFilesTo";
+inline constexpr const char* enableIconOfCommonPath = "enableIconOfCommonPath";
+inline constexpr const char* enableIconOfCustomIcon = "enableIconOfCustomIcon";
+inline constexpr const char* enableIconOfOthers = "enableIconOfOthers";
+inline constexpr const char* deleteDirectlyRequiresConfirmation =
     "deleteDirectlyRequiresConfirmation";
-inline constexpr const char *enableOpenIniTerm2WithWindow =
-    "enableOpenIniTerm2WithWindow";
-inline constexpr const char *enableOpenInTerminalWithWindow =
-    "enableOpenInTerminalWithWindow";
+inline constexpr const char* enableOpenIniTerm2WithWindow = "enableOpenIniTerm2WithWindow";
+inline constexpr const char* enableOpenInTerminalWithWindow = "enableOpenInTerminalWithWindow";
 
-// Switches that the program alone reads; the shared suite has only their first
-// value.
-inline constexpr const char *enableHideWhenCutting = "enableHideWhenCutting";
-inline constexpr const char *enableDirectDeleteFiles =
-    "enableDirectDeleteFiles";
-inline constexpr const char *enableImageToIconInMac = "enableImageToIconInMac";
-inline constexpr const char *hiddenIconInStatusBar = "hiddenIconInStatusBar";
-inline constexpr const char *enableTextService = "enableTextService";
+// Switches that the program alone reads; the shared suite has only their first value.
+inline constexpr const char* enableHideWhenCutting = "enableHideWhenCutting";
+inline constexpr const char* enableDirectDeleteFiles = "enableDirectDeleteFiles";
+inline constexpr const char* enableImageToIconInMac = "enableImageToIconInMac";
+inline constexpr const char* hiddenIconInStatusBar = "hiddenIconInStatusBar";
+inline constexpr const char* enableTextService = "enableTextService";
 
-// Kept in the shared suite alone: the items of the most recent cut, a file list
-// string;
-inline constexpr const char *filesUrlOfCutting = "filesUrlOfCutting";
-// the one-based positions that the rows of the suite's `arrOfCustomIcon` have
-// in the whole list;
-inline constexpr const char *positionsOfCustomIcon = "positionsOfCustomIcon";
-// and the file managers (an array of file_manager) where the user has switched
-// the menu off.
-inline constexpr const char *disabledFileManagers = "disabledFileManagers";
+// Kept in the shared suite alone: the items of the most recent cut, a file list string;
+inline constexpr const char* filesUrlOfCutting = "filesUrlOfCutting";
+// the one-based positions that the rows of the suite's `arrOfCustomIcon` have in the whole list;
+inline constexpr const char* positionsOfCustomIcon = "positionsOfCustomIcon";
+// and the file managers (an array of file_manager) where the user has switched the menu off.
+inline constexpr const char* disabledFileManagers = file_manager::disabledSetting;
 
-// Kept in the standard store alone. The folders are paths; an absent one means
-// the desktop.
-inline constexpr const char *enableAllOfCreateNewFiles =
-    "enableAllOfCreateNewFiles";
-inline constexpr const char *enableAllOfCustomIcon = "enableAllOfCustomIcon";
-inline constexpr const char *enableAllOfOthers = "enableAllOfOthers";
-inline constexpr const char *shownEnableExtensionAlert =
-    "ShownEnableExtensionAlert";
-inline constexpr const char *prePathOfCreateNewFile = "prePathOfCreateNewFile";
-inline constexpr const char *prePathOfSendFilesTo = "prePathOfSendFilesTo";
-inline constexpr const char *prePathOfCommonPath = "prePathOfCommonPath";
-inline constexpr const char *prePathOfCustomIcon = "prePathOfCustomIcon";
+// Kept in the standard store alone. The folders are paths; an absent one means the desktop.
+inline constexpr const char* enableAllOfCreateNewFiles = "enableAllOfCreateNewFiles";
+inline constexpr const char* enableAllOfCustomIcon = "enableAllOfCustomIcon";
+inline constexpr const char* enableAllOfOthers = "enableAllOfOthers";
+inline constexpr const char* shownEnableExtensionAlert = "ShownEnableExtensionAlert";
+inline constexpr const char* prePathOfCreateNewFile = "prePathOfCreateNewFile";
+inline constexpr const char* prePathOfSendFilesTo = "prePathOfSendFilesTo";
+inline constexpr const char* prePathOfCommonPath = "prePathOfCommonPath";
+inline constexpr const char* prePathOfCustomIcon = "prePathOfCustomIcon";
 
-// The rule lists: whole in the standard store, their enabled rows in the shared
-// suite.
-inline constexpr const char *arrOfCreateNewFile = "arrOfCreateNewFile";
-inline constexpr const char *arrOfCopyFilesTo = "arrOfCopyFilesTo";
-inline constexpr const char *arrOfCommonPath = "arrOfCommonPath";
-inline constexpr const char *arrOfCustomIcon = "arrOfCustomIcon";
-inline constexpr const char *arrOfOthers = "arrOfOthers";
+// The rule lists: whole in the standard store, their enabled rows in the shared suite.
+inline constexpr const char* arrOfCreateNewFile = "arrOfCreateNewFile";
+inline constexpr const char* arrOfCopyFilesTo = "arrOfCopyFilesTo";
+inline constexpr const char* arrOfCommonPath = "arrOfCommonPath";
+inline constexpr const char* arrOfCustomIcon = "arrOfCustomIcon";
+inline constexpr const char* arrOfOthers = "arrOfOthers";
 
-} // namespace settings_key
+}  // namespace settings_key
 
 /// The fields of the rule lists' records.
 namespace record_field {
 
-inline constexpr const char *enable = "enable";
-inline constexpr const char *displayName = "displayName";
-inline constexpr const char *extension = "extension";
-inline constexpr const char *enableMainMenu = "enableMainMenu";
-inline constexpr const char *modified = "modified";
-inline constexpr const char *realPath = "realPath";
-inline constexpr const char *icon = "icon";
-inline constexpr const char *action = "Action";
-inline constexpr const char *nameModified = "nameModified";
+inline constexpr const char* enable = "enable";
+inline constexpr const char* displayName = "displayName";
+inline constexpr const char* extension = "extension";
+inline constexpr const char* enableMainMenu = "enableMainMenu";
+inline constexpr const char* modified = "modified";
+inline constexpr const char* realPath = "realPath";
+inline constexpr const char* icon = "icon";
+inline constexpr const char* action = "Action";
+inline constexpr const char* nameModified = "nameModified";
 
-} // namespace record_field
+}  // namespace record_field
 
-/// What fields hold that say yes by a text: `modified`, `nameModified`, and
-/// `enable` of a template.
-inline constexpr const char *yesText = "1";
+/// What fields hold that say yes by a text: `modified`, `nameModified`, and `enable` of a template.
+inline constexpr const char* yesText = "1";
 
 /// The mirrored switches in the order in which they are observed.
 inline constexpr std::array mirroredSwitches{
@@ -117,21 +102,14 @@ inline constexpr std::array mirroredSwitches{
 static_assert(mirroredSwitches.size() == 14);
 
 /// The five rule lists, in the order in which they are loaded.
-enum class RuleList {
-  CopyFilesTo,
-  CommonPath,
-  CreateNewFile,
-  CustomIcon,
-  Others
-};
+enum class RuleList { CopyFilesTo, CommonPath, CreateNewFile, CustomIcon, Others };
 
 /// What a rule list is stored under.
 struct RuleListKeys {
   RuleList list;
-  const char *listKey;
-  /// The switch that is on exactly when every row is enabled; nullptr when the
-  /// list has none.
-  const char *enableAllKey;
+  const char* listKey;
+  /// The switch that is on exactly when every row is enabled; nullptr when the list has none.
+  const char* enableAllKey;
 };
 
 /// Indexed by RuleList.
@@ -140,14 +118,12 @@ inline constexpr std::array<RuleListKeys, 5> ruleLists{{
     {RuleList::CommonPath, settings_key::arrOfCommonPath, nullptr},
     {RuleList::CreateNewFile, settings_key::arrOfCreateNewFile,
      settings_key::enableAllOfCreateNewFiles},
-    {RuleList::CustomIcon, settings_key::arrOfCustomIcon,
-     settings_key::enableAllOfCustomIcon},
-    {RuleList::Others, settings_key::arrOfOthers,
-     settings_key::enableAllOfOthers},
+    {RuleList::CustomIcon, settings_key::arrOfCustomIcon, settings_key::enableAllOfCustomIcon},
+    {RuleList::Others, settings_key::arrOfOthers, settings_key::enableAllOfOthers},
 }};
 
 /// The keys of a rule list.
-constexpr const RuleListKeys &keysOfRuleList(RuleList list) {
+constexpr const RuleListKeys& keysOfRuleList(RuleList list) {
   return ruleLists.at(static_cast<std::size_t>(list));
 }
 
@@ -155,16 +131,15 @@ constexpr const RuleListKeys &keysOfRuleList(RuleList list) {
 inline constexpr std::array<std::string_view, 3> alwaysOnActions{
     "Change to QR Code", "Translate by Google", "Translate by Baidu"};
 
-/// Folders below the group's container, and the images that the program puts
-/// into two of them, each named with ".png" appended.
+/// Folders below the group's container, and the images that the program puts into two of them, each
+/// named with ".png" appended.
 namespace template_folder {
 
-inline constexpr const char *createNewFile = "Templates/CreateNewFile";
-inline constexpr const char *functionIcon = "Templates/FunctionIcon";
-inline constexpr const char *othersMenuItemIcon =
-    "Templates/OthersMenuItemIcon";
+inline constexpr const char* createNewFile = "Templates/CreateNewFile";
+inline constexpr const char* functionIcon = "Templates/FunctionIcon";
+inline constexpr const char* othersMenuItemIcon = "Templates/OthersMenuItemIcon";
 
-} // namespace template_folder
+}  // namespace template_folder
 
 inline constexpr std::array<std::string_view, 5> functionIconNames{
     "createNewFile", "copyFilesTo", "moveFilesTo", "commonPath", "customIcon"};
@@ -181,4 +156,4 @@ inline constexpr std::array<std::string_view, 17> commandIconNames{
     command_name::openInEmacs,
 };
 
-} // namespace tavrin
+}  // namespace tavrin

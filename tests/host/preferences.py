@@ -12,6 +12,7 @@ from session import BUILD_DIR, GROUP, OPEN_PANEL, SOURCE_DIR, HostTest, wait_unt
 
 TITLE = "^Tavrin$"
 FILE_PANEL = "^Open$"
+FILE_MANAGERS = "^File Managers$"
 
 NEW_FILES, COPY_TO, COMMON, ICONS, OTHERS, GENERAL, HELP, MORE, CONTACT = PAGES = (
     "New Files", "Copy and Move To", "Common Folders", "Folder Icons", "Other Commands", "General",

@@ -2,9 +2,9 @@
 
 import subprocess
 
-from preferences import (COPY_TO, ENABLE_ALL, GENERAL, HELP, MORE, CONTACT, NEW_FILES, OTHERS,
-                         PAGES, TITLE, PreferencesTest, default_records)
-from session import ACCESS_PANEL, APPLICATION_ID, main, wait_until
+from preferences import (COPY_TO, ENABLE_ALL, FILE_MANAGERS, GENERAL, HELP, MORE, CONTACT,
+                         NEW_FILES, OTHERS, PAGES, TITLE, PreferencesTest, default_records)
+from session import ACCESS_PANEL, APPLICATION_ID, MENU_MODULE, main, wait_until
 
 MIRRORED = {
     "Copy to a folder": "enableCopyFilesTo",
@@ -47,6 +47,8 @@ OPTIONS = (
     ("Make icons for Mac as", ("Folder of images", {"enableImageToIconInMac": False}),
      (".icns file", {"enableImageToIconInMac": True}), "Make icons for Mac as one .icns file", 1),
 )
+FILE_MANAGER_NAMES = ["nautilus", "nemo", "caja", "thunar", "dolphin"]
+
 MIRRORED_KEYS = {*MIRRORED.values(), "deleteDirectlyRequiresConfirmation"}
 
 
@@ -250,6 +252,8 @@ class ExtensionPrompt(PreferencesTest):
         self.session.screenshot("extension-prompt")
         self.session.key("Return")
         wait_until(lambda: self.stored().get("ShownEnableExtensionAlert") is True, "the mark")
+        self.session.wait_for_window(FILE_MANAGERS)
+        self.session.key("Escape")
         self.window = self.session.wait_for_window(TITLE)
         for _ in range(2):
             self.close_window()
@@ -257,6 +261,84 @@ class ExtensionPrompt(PreferencesTest):
             # The prompt would let nothing else be pressed.
             self.show_page(GENERAL)
             self.assertEqual(len(self.session.windows(TITLE)), 1)
+
+
+class FileManagers(PreferencesTest):
+    """With what else is installed on the system; the stand-in is always there."""
+
+    STATES = {True: "The menu is on", False: "The menu is off"}
+
+    def setUp(self):
+        super().setUp()
+        self.show_page(GENERAL)
+        self.press_button("File Managers…")
+        self.session.wait_for_window(FILE_MANAGERS)
+
+    def box(self):
+        return self.find("check box", "Dolphin", "File Managers")
+
+    def switched_off(self):
+        return self.stored("group").get("disabledFileManagers", [])
+
+    def wait_for_switch(self, on, off):
+        wait_until(lambda: self.switched_off() == off, f"{off} to be off")
+        self.wait_for_state(self.box(), "checked", on)
+        self.assertEqual(self.box().description, self.STATES[on])
+
+    def test_each_is_switched_by_mouse_and_keyboard_and_follows_its_setting(self):
+        self.wait_for_switch(True, [])
+        self.session.screenshot("file-managers")
+        self.press(self.box())
+        self.wait_for_switch(False, ["dolphin"])
+        self.wait_for_state(self.box(), "focused")
+        self.session.key("space")
+        self.wait_for_switch(True, [])
+        self.write("disabledFileManagers", ["nemo", "dolphin"], "group")
+        self.wait_for_switch(False, ["nemo", "dolphin"])
+        self.session.key("space")
+        self.wait_for_switch(True, ["nemo"])
+
+    def test_what_dolphin_says_itself_counts(self):
+        own = self.session.config / "kservicemenurc"
+        own.write_text(f"[Show]\nother=false\n{MENU_MODULE}=false\n")
+        self.session.key("Escape")
+        self.session.wait_for_no_window(FILE_MANAGERS)
+        self.press_button("File Managers…")
+        self.session.wait_for_window(FILE_MANAGERS)
+        self.wait_for_switch(False, [])
+        self.press(self.box())
+        self.wait_for_switch(True, [])
+        self.assertEqual(own.read_text(), f"[Show]\nother=false\n{MENU_MODULE}=true\n")
+
+    def test_every_control_has_a_name_and_the_tab_key_reaches_it(self):
+        frame = self.frames("File Managers")[0]
+        controls = {each for each in frame.descendants()
+                    if each.has("focusable") and each.has("enabled")}
+        self.assertLessEqual({"Dolphin", "Restart File Manager", "Close"},
+                             {each.name for each in controls})
+        wait_until(lambda: self.focus.focused in controls, "the focus to come to the dialog")
+        reached = {self.focus_by("Tab") for _ in controls}
+        self.assertEqual(reached, controls)
+        self.press(self.find("push button", "Close", "File Managers"))
+        self.session.wait_for_no_window(FILE_MANAGERS)
+        self.show_page(HELP)
+
+
+class ExtensionSwitchedOff(PreferencesTest):
+    opens_window = False
+
+    def test_each_opening_prompts_and_leads_to_the_switches(self):
+        self.session.import_domain("group", {"disabledFileManagers": FILE_MANAGER_NAMES})
+        self.session.start_host()
+        for _ in range(2):
+            wait_until(lambda: len(self.session.windows(TITLE)) == 2, "the prompt")
+            self.session.key("Return")
+            self.session.wait_for_window(FILE_MANAGERS)
+            self.assertFalse(self.find("check box", "Dolphin", "File Managers").has("checked"))
+            self.session.key("Escape")
+            self.window = self.session.wait_for_window(TITLE)
+            self.close_window()
+            self.session.start_host()
 
 
 class ClosingAndOpening(PreferencesTest):

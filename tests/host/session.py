@@ -29,6 +29,9 @@ ACCESS_PANEL = "^Allow Access$"
 OPEN_PANEL = "^Choose a Folder$"
 PREFERENCES_WINDOW = "^Tavrin"
 
+# What the file managers know the module of the menu by.
+MENU_MODULE = "libtavrin-menu"
+
 # A sanitizer makes every program slower.
 PATIENCE = 30.0
 
@@ -74,7 +77,8 @@ def selection(*paths):
 
 class Session:
     """Use as a context manager. With file metadata, GIO keeps them as on a whole desktop. Unless
-    the host is to prompt for its extension, its user has seen that prompt.
+    the host is to prompt for its extension, its user has seen that prompt. There is a file manager
+    that has the menu: a stand-in for Dolphin and for its module.
     """
 
     def __init__(self, file_metadata=False, prompts_for_extension=False, screen="1280x900"):
@@ -89,6 +93,7 @@ class Session:
             self._cleanup = started
             self._make_folders()
             self._start_desktop()
+            self._install_file_manager()
             if not self._prompts_for_extension:
                 self.defaults("write", "standard", "ShownEnableExtensionAlert", "-bool", "true")
             self._cleanup = started.pop_all()
@@ -202,6 +207,18 @@ class Session:
             shutil.copy(file, self.services)
         self.call_bus("/org/freedesktop/DBus", "org.freedesktop.DBus.ReloadConfig",
                       destination="org.freedesktop.DBus")
+
+    def _install_file_manager(self):
+        """Makes the extension enabled, on whichever system the tests run."""
+        programs = self.folder / "bin"
+        modules = self.folder / "plugins" / "kf5" / "kfileitemaction"
+        for folder in (programs, modules):
+            folder.mkdir(parents=True)
+        (programs / "dolphin").write_text("#!/bin/sh\n")
+        (programs / "dolphin").chmod(0o700)
+        (modules / f"{MENU_MODULE}.so").touch()
+        self.environment["PATH"] += f":{programs}"
+        self.environment["QT_PLUGIN_PATH"] = str(self.folder / "plugins")
 
     def end_bus(self):
         """Takes the session bus away from the programs that run."""

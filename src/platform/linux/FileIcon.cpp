@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <QBuffer>
+#include <QFile>
 #include <algorithm>
 
 #include "foundation/PathString.h"
@@ -29,31 +30,46 @@ QIcon iconOfFolder(const std::string& path) {
   return QIcon::fromTheme(QStringLiteral("folder"));
 }
 
-QPixmap pixmapOf(const std::string& path, int side) {
-  const bool folder = isFolder(path);
-  const QIcon icon = folder ? iconOfFolder(path)
-                            : PanelIcons::themeIconOfName(displayName(lastPathComponent(path)));
+/// The drawing stands in for an icon that has no picture.
+Result<PropertyList::Data> pngOf(const QIcon& icon, PanelIcons::Symbol drawing, int sidePixels,
+                                 const std::string& name) {
+  const int side = std::clamp(sidePixels, 1, largestSide);
   // Without the display's scale: the side is in pixels.
   QPixmap pixmap = icon.pixmap(QSize(side, side), 1.0);
-  if (!pixmap.isNull()) return pixmap;
-  return PanelIcons::drawing(folder ? PanelIcons::Symbol::Folder : PanelIcons::Symbol::Document,
-                             side);
+  if (pixmap.isNull()) pixmap = PanelIcons::drawing(drawing, side);
+  const QImage picture =
+      pixmap.toImage().scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  buffer.open(QIODevice::WriteOnly);
+  if (!centredOnSquare(picture, side).save(&buffer, "png")) {
+    return SystemError{"draw the icon of", name, std::make_error_code(std::errc::io_error)};
+  }
+  return PropertyList::Data(bytes.begin(), bytes.end());
+}
+
+QIcon iconOfName(const std::string& nameOrPath) {
+  if (nameOrPath.starts_with('/')) {
+    const QIcon image(QFile::decodeName(nameOrPath.c_str()));
+    if (!image.pixmap(1).isNull()) return image;
+  }
+  const QString name = QString::fromStdString(nameOrPath);
+  return QIcon::hasThemeIcon(name) ? QIcon::fromTheme(name)
+                                   : QIcon::fromTheme(QStringLiteral("system-file-manager"));
 }
 
 }  // namespace
 
 Result<PropertyList::Data> pngOfFileIcon(const std::string& path, int sidePixels) {
-  const int side = std::clamp(sidePixels, 1, largestSide);
-  QByteArray bytes;
-  QBuffer buffer(&bytes);
-  buffer.open(QIODevice::WriteOnly);
-  const QImage icon = pixmapOf(path, side)
-                          .toImage()
-                          .scaled(side, side, Qt::KeepAspectRatio, Qt::SmoothTransformation);
-  if (!centredOnSquare(icon, side).save(&buffer, "png")) {
-    return SystemError{"draw the icon of", path, std::make_error_code(std::errc::io_error)};
+  if (isFolder(path)) {
+    return pngOf(iconOfFolder(path), PanelIcons::Symbol::Folder, sidePixels, path);
   }
-  return PropertyList::Data(bytes.begin(), bytes.end());
+  const QIcon icon = PanelIcons::themeIconOfName(displayName(lastPathComponent(path)));
+  return pngOf(icon, PanelIcons::Symbol::Document, sidePixels, path);
+}
+
+Result<PropertyList::Data> pngOfNamedIcon(const std::string& nameOrPath, int sidePixels) {
+  return pngOf(iconOfName(nameOrPath), PanelIcons::Symbol::Folder, sidePixels, nameOrPath);
 }
 
 }  // namespace tavrin

@@ -12,4 +12,8 @@ namespace tavrin {
 /// Workspace::iconForFile.
 Result<PropertyList::Data> pngOfFileIcon(const std::string& path, int sidePixels);
 
+/// The same for the icon of that name in the theme, or the image at that absolute path, as a
+/// program's desktop entry names its icon; that of file managers where there is neither.
+Result<PropertyList::Data> pngOfNamedIcon(const std::string& nameOrPath, int sidePixels);
+
 }  // namespace tavrin

@@ -3,16 +3,19 @@
 #include <algorithm>
 #include <array>
 
+#include "foundation/FileManagers.h"
+
 namespace tavrin {
 
 namespace {
 
 constexpr std::array fileViewers = {
-    FileViewerKind{"org.gnome.Nautilus", false, "nautilus", "--quit", "--gapplication-service"},
-    FileViewerKind{"org.Nemo", false, "nemo", "--quit", "--no-default-window"},
-    FileViewerKind{"org.mate.Caja", false, "caja", "--quit", "--no-default-window"},
-    FileViewerKind{"org.xfce.Thunar", false, "thunar", "--quit", "--daemon"},
-    FileViewerKind{"org.kde.dolphin-", true, "dolphin", nullptr, "--daemon"},
+    FileViewerKind{"org.gnome.Nautilus", false, file_manager::nautilus, "--quit",
+                   "--gapplication-service"},
+    FileViewerKind{"org.Nemo", false, file_manager::nemo, "--quit", "--no-default-window"},
+    FileViewerKind{"org.mate.Caja", false, file_manager::caja, "--quit", "--no-default-window"},
+    FileViewerKind{"org.xfce.Thunar", false, file_manager::thunar, "--quit", "--daemon"},
+    FileViewerKind{"org.kde.dolphin-", true, file_manager::dolphin, nullptr, "--daemon"},
 };
 
 }  // namespace

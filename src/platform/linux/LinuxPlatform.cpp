@@ -27,6 +27,7 @@
 #include "platform/linux/LinuxUniformTypes.h"
 #include "platform/linux/LinuxUserDefaultsProvider.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/MenuModules.h"
 #include "platform/linux/panel/LinuxOpenPanel.h"
 
 namespace tavrin {
@@ -98,7 +99,7 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       terminalServices(bundle, propertyLists, log),
       shell(securityScope.startedScopes(), log, bundle.builtInPlugInsPath()),
       images(fileManager, log),
-      extensionController(log),
+      extensionController(userDefaults, bundle.groupIdentifier(), libraryFolders(), log),
       application(accepted, intake, signalsToEnd, log),
       standardUserDefaults(userDefaults.standardUserDefaults()),
       appearance([this](const Appearance& now) { appearanceChanged(now); }),

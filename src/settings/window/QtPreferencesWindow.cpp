@@ -12,8 +12,9 @@
 #include <utility>
 
 #include "platform/SystemDefaults.h"
+#include "settings/window/ChildWidgets.h"
+#include "settings/window/FileManagersDialog.h"
 #include "settings/window/SettingsViewController.h"
-#include "settings/window/WindowPalette.h"
 
 namespace tavrin {
 
@@ -50,7 +51,10 @@ bool isOnScreen(const QRect& frame) {
 
 QtPreferencesWindow::QtPreferencesWindow(Platform& platform, UserDefaults& standardUserDefaults,
                                          SettingsController& settings)
-    : standardUserDefaults_(standardUserDefaults), ui_(std::make_unique<Ui::PreferencesWindow>()) {
+    : platform_(platform),
+      standardUserDefaults_(standardUserDefaults),
+      settings_(settings),
+      ui_(std::make_unique<Ui::PreferencesWindow>()) {
   ui_->setupUi(this);
   fillTexts(platform.bundle);
   applyColours();
@@ -63,9 +67,11 @@ QtPreferencesWindow::QtPreferencesWindow(Platform& platform, UserDefaults& stand
   controller_ =
       std::make_unique<SettingsViewController>(*ui_, platform, standardUserDefaults, settings);
   controller_->awakeFromNib();
+  platform.extensionController.setManagementInterface([this] { showFileManagers(); });
 }
 
 QtPreferencesWindow::~QtPreferencesWindow() {
+  platform_.extensionController.setManagementInterface({});
   // An editor that is open stores its text as it loses the keyboard, which takes the controller.
   hide();
   delete takeCentralWidget();
@@ -78,11 +84,7 @@ void QtPreferencesWindow::fillTexts(const Bundle& bundle) {
   ui_->iconLabel->setPixmap(
       QApplication::windowIcon().pixmap(QSize(headIconSize, headIconSize), devicePixelRatioF()));
   ui_->authorizeRootButton->setAccessibleDescription(ui_->authorizeRootNote->text());
-  if (!isRightToLeft()) return;
-  // A label else stands where its own language begins, apart from what is around it.
-  for (QLabel* label : ui_->content->findChildren<QLabel*>()) {
-    label->setAlignment(Qt::AlignRight | Qt::AlignAbsolute | Qt::AlignVCenter);
-  }
+  alignLabels(*ui_->content);
 }
 
 void QtPreferencesWindow::makeKeyAndOrderFront() {
@@ -98,14 +100,15 @@ void QtPreferencesWindow::setBackgroundColor(double red, double green, double bl
   applyColours();
 }
 
-void QtPreferencesWindow::applyColours() {
+WindowPalette QtPreferencesWindow::colours() const {
   const bool isMore = standardUserDefaults_.boolForKey(system_defaults::increaseContrast);
-  const WindowPalette palette(background_, QGuiApplication::palette(),
-                              isMore ? Contrast::More : Contrast::Normal);
+  return {background_, QGuiApplication::palette(), isMore ? Contrast::More : Contrast::Normal};
+}
+
+void QtPreferencesWindow::applyColours() {
+  const WindowPalette palette = colours();
   setPalette(palette.controls());
-  for (QCheckBox* box : ui_->content->findChildren<QCheckBox*>()) {
-    box->setPalette(switchPalette(palette.controls()));
-  }
+  setSwitchPalettes(*ui_->content, palette.controls());
   ui_->sidebar->setPalette(palette.sidebar());
   ui_->divider->setPalette(palette.line());
   for (QLabel* label : {ui_->Version, ui_->authorizeRootNote, ui_->createNewFilePageIntro,
@@ -114,6 +117,17 @@ void QtPreferencesWindow::applyColours() {
                         ui_->moreAppPageIntro, ui_->contactUsPageIntro}) {
     label->setPalette(palette.secondary());
   }
+  if (fileManagers_ != nullptr) fileManagers_->setColours(palette);
+}
+
+void QtPreferencesWindow::showFileManagers() {
+  if (fileManagers_ == nullptr) {
+    fileManagers_ = new FileManagersDialog(platform_, settings_, colours(), this);
+    fileManagers_->setAttribute(Qt::WA_DeleteOnClose);
+  }
+  fileManagers_->open();
+  fileManagers_->raise();
+  fileManagers_->activateWindow();
 }
 
 void QtPreferencesWindow::setAuthorizeRootButtonState(bool on) {

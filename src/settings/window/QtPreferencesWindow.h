@@ -2,12 +2,14 @@
 
 #include <QColor>
 #include <QMainWindow>
+#include <QPointer>
 #include <functional>
 #include <memory>
 
 #include "platform/Platform.h"
 #include "settings/PreferencesWindow.h"
 #include "settings/SettingsController.h"
+#include "settings/window/WindowPalette.h"
 
 namespace Ui {
 class PreferencesWindow;
@@ -15,6 +17,7 @@ class PreferencesWindow;
 
 namespace tavrin {
 
+class FileManagersDialog;
 class SettingsViewController;
 
 /// The preferences window, laid out by PreferencesWindow.ui.
@@ -44,15 +47,20 @@ class QtPreferencesWindow final : public QMainWindow, public PreferencesWindow {
 
  private:
   void fillTexts(const Bundle& bundle);
+  WindowPalette colours() const;
   void applyColours();
+  void showFileManagers();
   void restoreFrame();
   void saveFrame();
 
+  Platform& platform_;
   UserDefaults& standardUserDefaults_;
+  SettingsController& settings_;
   std::unique_ptr<Ui::PreferencesWindow> ui_;
   std::unique_ptr<SettingsViewController> controller_;
   std::function<void()> authorizeRootAction_;
   std::function<void()> closedAction_;
+  QPointer<FileManagersDialog> fileManagers_;
   Observation contrastObservation_;
   QColor background_ = Qt::white;
   bool isMovableByBackground_ = false;

@@ -162,6 +162,10 @@ void SettingsViewController::restartFinder() {
   settings_.restartFinder();
 }
 
+void SettingsViewController::showFileManagers() {
+  settings_.openSystemPreferences();
+}
+
 // Links
 
 void SettingsViewController::openLink(LinkAction action) {

@@ -91,6 +91,7 @@ class SettingsViewController final : public QObject, public SettingsView {
 
   void textServiceCheckButtonClick();
   void restartFinder();
+  void showFileManagers();
 
   void checkForUpdate();
   void gotoOfficialWebsite();

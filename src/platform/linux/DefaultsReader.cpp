@@ -1,6 +1,7 @@
 #include "platform/linux/DefaultsReader.h"
 
 #include <glib.h>
+#include <sys/stat.h>
 
 #include <utility>
 #include <vector>
@@ -48,7 +49,15 @@ std::string DefaultsReader::digestOf(const PropertyList::Data& data) {
 }
 
 bool DefaultsReader::hasChanged() {
-  return seenFile_ != file_.identity() || (connection_.isOpen() && version() != seenVersion_);
+  if (seenFile_ != file_.identity()) return true;
+  return connection_.isOpen() ? version() != seenVersion_ : times() != seenTimes_;
+}
+
+std::string DefaultsReader::times() const {
+  struct stat status {};
+  if (::stat(file_.path().c_str(), &status) != 0) return {};
+  return std::to_string(status.st_size) + ' ' + std::to_string(status.st_mtim.tv_sec) + '.' +
+         std::to_string(status.st_mtim.tv_nsec);
 }
 
 std::int64_t DefaultsReader::version() {
@@ -61,6 +70,7 @@ bool DefaultsReader::open() {
   if (connection_.isOpen() && seenFile_ == identity) return true;
   connection_.close();
   seenFile_ = identity;
+  seenTimes_ = times();
   if (identity == DefaultsFile::Identity() || identity.isEmpty) return false;
   const int status = connection_.open(file_.path(), SQLITE_OPEN_READONLY | SQLITE_OPEN_NOMUTEX);
   if (status != SQLITE_OK) {

@@ -35,6 +35,7 @@ class DefaultsReader {
  private:
   bool open();
   std::int64_t version();
+  std::string times() const;
   std::optional<PropertyList> value(const char* key);
   std::optional<PropertyList::Dictionary> readOpened(std::span<const char* const> keys);
 
@@ -44,6 +45,8 @@ class DefaultsReader {
   /// What the last answer was about.
   std::optional<DefaultsFile::Identity> seenFile_;
   std::int64_t seenVersion_ = 0;
+  /// Of a file that could not be read.
+  std::string seenTimes_;
 };
 
 }  // namespace tavrin

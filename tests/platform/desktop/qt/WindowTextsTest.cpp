@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QHeaderView>
 #include <QLabel>
 #include <QStackedWidget>
@@ -128,6 +129,23 @@ TEST_P(WindowTextsTest, NothingIsCutOffAtTheDefaultSize) {
     pages.setCurrentIndex(page);
     QApplication::processEvents();
     expectWholeTexts();
+  }
+}
+
+TEST_P(WindowTextsTest, NothingIsCutOffInTheListOfFileManagers) {
+  using State = ExtensionHost::State;
+  fake_.extensionController.installed = {{"a", "Thunar File Manager", State::On},
+                                         {"b", "Files (Nautilus)", State::Off},
+                                         {"c", "Dolphin", State::Missing}};
+  window_->show();
+  for (const bool isEmpty : {false, true}) {
+    if (isEmpty) fake_.extensionController.installed.clear();
+    fake_.extensionController.showExtensionManagementInterface();
+    auto* dialog = window_->findChild<QDialog*>();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(dialog));
+    expectWholeTexts();
+    dialog->close();
+    QCoreApplication::sendPostedEvents(dialog, QEvent::DeferredDelete);
   }
 }
 

@@ -18,4 +18,15 @@ std::string distinctLabel(const MenuItem& item, std::size_t number) {
   return label;
 }
 
+std::string contentsOf(const Menu& menu) {
+  std::string contents = "(";
+  for (const MenuItem& item : menu) {
+    for (const std::string* text : {&item.identifier, &item.title, &item.icon}) {
+      contents += *text + '\0';
+    }
+    contents += contentsOf(item.submenu);
+  }
+  return contents + ")";
+}
+
 }  // namespace tavrin

@@ -20,4 +20,7 @@ std::string itemLabel(const MenuItem& item);
 /// a menu that need it, from 1.
 std::string distinctLabel(const MenuItem& item, std::size_t number);
 
+/// A text that is equal for menus that look the same and have the same identifiers.
+std::string contentsOf(const Menu& menu);
+
 }  // namespace tavrin

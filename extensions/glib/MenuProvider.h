@@ -4,13 +4,13 @@
 
 #include <memory>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "extensions/common/MenuExtension.h"
 #include "extensions/glib/FileInfos.h"
 #include "extensions/glib/Guard.h"
 #include "extensions/glib/Labels.h"
+#include "extensions/glib/MenuItems.h"
 #include "platform/linux/GLibPointers.h"
 
 namespace tavrin {
@@ -59,7 +59,7 @@ class MenuProvider {
   /// A list of menu items for selected files, which the caller owns.
   static GList* itemsForFiles(gpointer object, GList* files) {
     return answer(object, [files](MenuProvider& provider) {
-      return provider.itemsOf(
+      return provider.items_.itemsOf(
           provider.extension_->menuForItems(std::make_shared<FileInfos<Manager>>(files)));
     });
   }
@@ -67,7 +67,7 @@ class MenuProvider {
   /// The same for the background of a folder.
   static GList* itemsForFolder(gpointer object, FileInfo* folder) {
     return answer(object, [folder](MenuProvider& provider) {
-      return provider.itemsOf(provider.extension_->menuForFolder(uriOf<Manager>(folder)));
+      return provider.items_.itemsOf(provider.extension_->menuForFolder(uriOf<Manager>(folder)));
     });
   }
 
@@ -79,26 +79,13 @@ class MenuProvider {
   }
 
  private:
-  using Item = typename Manager::Item;
-
   struct Object {
     GObject parent;
     MenuProvider* provider;
   };
-  /// A menu that is being turned into items.
-  struct Opening {
-    std::shared_ptr<const OpenedMenu> menu;
-    std::size_t submenus = 0;
-  };
-  /// What an item does. Items may outlive the provider.
-  struct Click {
-    std::shared_ptr<MenuExtension> extension;
-    std::shared_ptr<const OpenedMenu> menu;
-    const MenuItem& item;
-  };
 
   explicit MenuProvider(Object* object)
-      : extension_(std::make_shared<MenuExtension>(Manager::fileManager())) {
+      : extension_(std::make_shared<MenuExtension>(Manager::fileManager())), items_(extension_) {
     extension_->onChange([object](const std::vector<std::string>& items) {
       for (const std::string& item : items) invalidate(item);
       Manager::itemsUpdated(reinterpret_cast<typename Manager::MenuObject*>(object));
@@ -133,52 +120,10 @@ class MenuProvider {
     if (file) Manager::invalidate(file.get());
   }
 
-  GList* itemsOf(std::shared_ptr<const OpenedMenu> menu) const {
-    Opening opening{std::move(menu)};
-    GList* items = nullptr;
-    for (const MenuItem& item : opening.menu->items) {
-      items = g_list_prepend(items, newItem(opening, item).release());
-    }
-    return g_list_reverse(items);
-  }
-
-  GObjectPointer<Item> newItem(Opening& opening, const MenuItem& item) const {
-    const bool isParent = !item.submenu.empty();
-    const std::string label = isParent && !Manager::sameTitles
-                                  ? distinctLabel(item, ++opening.submenus)
-                                  : itemLabel(item);
-    // A tooltip must be given, though it may be empty.
-    GObjectPointer<Item> made(Manager::newItem(itemName(item).c_str(), label.c_str(), "",
-                                               item.icon.empty() ? nullptr : item.icon.c_str()));
-    if (isParent) {
-      addSubmenu(opening, made.get(), item);
-    } else {
-      connectClick(made.get(), new Click{extension_, opening.menu, item});
-    }
-    return made;
-  }
-
-  void addSubmenu(Opening& opening, Item* parent, const MenuItem& item) const {
-    auto* made = Manager::newSubmenu();
-    const GObjectPointer<std::remove_pointer_t<decltype(made)>> submenu(made);
-    for (const MenuItem& child : item.submenu) {
-      Manager::append(submenu.get(), newItem(opening, child).get());
-    }
-    Manager::setSubmenu(parent, submenu.get());
-  }
-
-  static void connectClick(gpointer item, Click* click) {
-    g_signal_connect_data(
-        item, "activate", G_CALLBACK(+[](gpointer, gpointer data) {
-          auto* clicked = static_cast<Click*>(data);
-          clicked->extension->activate(*clicked->menu, clicked->item);
-        }),
-        click, [](gpointer data, GClosure*) { delete static_cast<Click*>(data); }, GConnectFlags{});
-  }
-
   static inline GType type_ = 0;
 
   std::shared_ptr<MenuExtension> extension_;
+  MenuItems<Manager> items_;
 };
 
 }  // namespace tavrin

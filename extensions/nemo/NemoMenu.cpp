@@ -15,7 +15,7 @@ struct Nemo {
   using MenuInterface = NemoMenuProviderInterface;
   using InfoInterface = NemoInfoProviderInterface;
 
-  static constexpr const char* typeName = "TavrinNemoMenu";
+  static constexpr const char* typeName = TAVRIN_NEMO_TYPE;
   static constexpr bool sameTitles = true;
   static constexpr auto menuProviderType = &nemo_menu_provider_get_type;
   static constexpr auto infoProviderType = &nemo_info_provider_get_type;

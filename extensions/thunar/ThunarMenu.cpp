@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "extensions/common/MenuExtension.h"
@@ -19,7 +20,7 @@ using OpenedMenuPointer = std::shared_ptr<const OpenedMenu>;
 
 /// What an item does, which is one of `menu`.
 struct Click {
-  // Thunar 4.18 never frees the items of submenus, and they are not to hold what was selected.
+  // Thunar 4.18 never frees the submenus that it has shown: they are not to hold what was selected.
   std::weak_ptr<const OpenedMenu> menu;
   const MenuItem* item;
 };
@@ -66,8 +67,15 @@ void forgetClick(gpointer data, GClosure* /*closure*/) {
   delete static_cast<Click*>(data);
 }
 
-void forgetMenu(gpointer data) {
-  delete static_cast<OpenedMenuPointer*>(data);
+template <typename Type>
+void forget(gpointer data) {
+  delete static_cast<Type*>(data);
+}
+
+/// Has an object keep a value until its end.
+template <typename Type>
+void keep(gpointer object, const char* name, Type value) {
+  g_object_set_data_full(G_OBJECT(object), name, new Type(std::move(value)), forget<Type>);
 }
 
 /// The title as GTK's labels read it, where an underscore marks the key of the letter behind it.
@@ -77,32 +85,57 @@ std::string labelOf(const std::string& title) {
   return label;
 }
 
-GObjectPointer<ThunarxMenuItem> thunarItem(const MenuItem& item, const OpenedMenuPointer& menu) {
+using ItemPointer = GObjectPointer<ThunarxMenuItem>;
+using Items = std::vector<ItemPointer>;
+
+/// Whether a menu of thunarx that goes lets go of its items: those of Thunar 4.18 do not.
+bool doMenusFreeItems() {
+  static const bool isFreed = [] {
+    GObjectPointer<ThunarxMenu> menu(thunarx_menu_new());
+    gpointer item = thunarx_menu_item_new("tavrin", "Tavrin", nullptr, nullptr);
+    g_object_add_weak_pointer(G_OBJECT(item), &item);
+    thunarx_menu_append_item(menu.get(), THUNARX_MENU_ITEM(item));
+    g_object_unref(item);
+    menu.reset();
+    if (item == nullptr) return true;
+    g_object_unref(item);
+    return false;
+  }();
+  return isFreed;
+}
+
+GObjectPointer<ThunarxMenu> thunarMenu(Items items) {
+  GObjectPointer<ThunarxMenu> menu(thunarx_menu_new());
+  for (const ItemPointer& item : items) thunarx_menu_append_item(menu.get(), item.get());
+  if (doMenusFreeItems()) return menu;
+  // The references that the menu has taken are given back with these, at its end.
+  for (const ItemPointer& item : items) g_object_unref(item.get());
+  keep(menu.get(), "tavrin-items", std::move(items));
+  return menu;
+}
+
+ItemPointer thunarItem(const MenuItem& item, const OpenedMenuPointer& menu) {
   // Thunar's shortcuts of all items, its own among them, go by these names.
   const std::string name = "tavrin-" + item.identifier;
-  GObjectPointer<ThunarxMenuItem> made(
-      thunarx_menu_item_new(name.c_str(), labelOf(item.title).c_str(), nullptr,
-                            item.icon.empty() ? nullptr : item.icon.c_str()));
+  ItemPointer made(thunarx_menu_item_new(name.c_str(), labelOf(item.title).c_str(), nullptr,
+                                         item.icon.empty() ? nullptr : item.icon.c_str()));
   if (item.action != nullptr) {
     g_signal_connect_data(made.get(), "activate", G_CALLBACK(onClick), new Click{menu, &item},
                           forgetClick, GConnectFlags{});
   }
   if (item.submenu.empty()) return made;
-  const GObjectPointer<ThunarxMenu> submenu(thunarx_menu_new());
-  for (const MenuItem& each : item.submenu) {
-    thunarx_menu_append_item(submenu.get(), thunarItem(each, menu).get());
-  }
-  thunarx_menu_item_set_menu(made.get(), submenu.get());
+  Items items;
+  for (const MenuItem& each : item.submenu) items.push_back(thunarItem(each, menu));
+  thunarx_menu_item_set_menu(made.get(), thunarMenu(std::move(items)).get());
   return made;
 }
 
 /// The items of a menu, which the caller gets with their references. They keep the menu alive.
 GList* thunarItems(const OpenedMenuPointer& menu) {
-  std::vector<GObjectPointer<ThunarxMenuItem>> items;
+  Items items;
   for (const MenuItem& each : menu->items) {
     items.push_back(thunarItem(each, menu));
-    g_object_set_data_full(G_OBJECT(items.back().get()), "tavrin-menu", new OpenedMenuPointer(menu),
-                           forgetMenu);
+    keep(items.back().get(), "tavrin-menu", menu);
   }
   GList* list = nullptr;
   for (auto item = items.rbegin(); item != items.rend(); ++item) {

@@ -1,0 +1,15 @@
+# Finds the KIO of Qt 6 or of Qt 5, whichever the system's Dolphin has, for the calling folder alone:
+# the rest of the project keeps its Qt 6. TAVRIN_KIO is then KF6 or KF5, or "" when there is none.
+macro(tavrin_find_kio)
+  set(QT_NO_CREATE_VERSIONLESS_TARGETS ON)
+  set(TAVRIN_KIO "")
+  foreach(frameworks IN ITEMS KF6 KF5)
+    if(NOT TAVRIN_KIO)
+      find_package(${frameworks}KIO QUIET)
+      find_package(${frameworks}WindowSystem QUIET)
+      if(${frameworks}KIO_FOUND AND ${frameworks}WindowSystem_FOUND)
+        set(TAVRIN_KIO ${frameworks})
+      endif()
+    endif()
+  endforeach()
+endmacro()

@@ -1,7 +1,6 @@
 #include "extensions/dolphin/DolphinMenu.h"
 
 #include <KFileItemListProperties>
-#include <KPluginFactory>
 #include <KStartupInfo>
 #include <KWindowSystem>
 #include <QAbstractEventDispatcher>
@@ -128,8 +127,3 @@ void DolphinMenu::forgetMenu() {
 }
 
 }  // namespace tavrin
-
-using tavrin::DolphinMenu;
-K_PLUGIN_CLASS_WITH_JSON(DolphinMenu, "tavrin.json")
-
-#include "DolphinMenu.moc"

@@ -38,6 +38,7 @@ void runHelperProgram(const std::vector<std::string>& words,
     g_subprocess_launcher_setenv(launcher.get(), name.c_str(), value.c_str(), TRUE);
   }
   std::vector<const char*> arguments;
+  arguments.reserve(words.size() + 1);
   for (const std::string& word : words) arguments.push_back(word.c_str());
   arguments.push_back(nullptr);
   GLibError error;

@@ -170,10 +170,14 @@ struct MenuExtension::State {
     if (changed) changed(items);
   }
 
+  std::string token() const {
+    return fileManager.startupToken ? fileManager.startupToken() : std::string();
+  }
+
   void send(const MenuItem& item, const std::vector<std::string>& paths) {
     auto requests = requestsOfItem(item, paths);
     if (!requests) return tellOutcome(requests.error());
-    sendRequestsAsync(std::move(requests).value(), tellOutcome, patience);
+    sendRequestsAsync(std::move(requests).value(), tellOutcome, {patience, token()});
   }
 
   void copyPath(const MenuItem& item, const std::vector<std::string>& paths) const {
@@ -186,11 +190,10 @@ struct MenuExtension::State {
 
   void openInTerminal(const MenuItem& item) const {
     const PropertyList keys(item.keys);
-    const std::string token = fileManager.startupToken ? fileManager.startupToken() : "";
     runHelperProgram(
         {appendingPathComponent(moduleFolderOf(prefix), "tavrin-terminal"),
          keys.stringForKey(menu_key::terminalService), keys.stringForKey(request_key::path)},
-        environmentWithToken(token), [](bool succeeded) {
+        environmentWithToken(token()), [](bool succeeded) {
           if (!succeeded) showMessage(translatable("No terminal can be opened."));
         });
   }

@@ -24,7 +24,7 @@ class MenuExtension {
  public:
   /// What a file manager offers to its extension.
   struct FileManager {
-    /// One of file_manager (menu/FileManagers.h).
+    /// One of file_manager (foundation/FileManagers.h).
     const char* identifier;
     /// From the folder of the module to the prefix of its installation, relative:
     /// TAVRIN_PREFIX_FROM_MODULE.

@@ -6,7 +6,8 @@
 namespace tavrin {
 
 /// Property lists as LinuxPropertyListSerialization has them, but for files of accepted requests:
-/// those read as they were when they were accepted, whatever stands at their path by now.
+/// those read as they were when they were accepted, whatever stands at their path by now. Reading
+/// one is the beginning of its handling, so its startup token becomes the current one.
 class AcceptedPropertyLists final : public LinuxPropertyListSerialization {
  public:
   /// `accepted` outlives this object.

@@ -30,19 +30,20 @@ AcceptedRequests::AcceptedRequests()
 
 bool AcceptedRequests::push(const std::vector<ExternalRequest>& requests) {
   if (requests.empty()) return true;
-  std::vector<std::pair<std::string, Contents>> files;
+  std::vector<std::pair<std::string, File>> files;
   std::size_t bytes = 0;
   for (const ExternalRequest& request : requests) {
     if (request.kind != ExternalRequest::Kind::Open) continue;
-    files.emplace_back(request.path, contentsOfPropertyListFile(request.path));
-    bytes += sizeOf(files.back().second);
+    files.emplace_back(request.path,
+                       File{contentsOfPropertyListFile(request.path), request.startupToken});
+    bytes += sizeOf(files.back().second.contents);
     if (bytes > maximumWaitingBytes) return false;
   }
 
   const std::lock_guard lock(mutex_);
   if (bytes > maximumWaitingBytes - waitingBytes_) return false;
   waitingBytes_ += bytes;
-  for (auto& [path, contents] : files) contents_[path].push_back(std::move(contents));
+  for (auto& [path, file] : files) contents_[path].push_back(std::move(file));
   requests_.insert(requests_.end(), requests.begin(), requests.end());
   const std::uint64_t added = requests.size();
   [[maybe_unused]] const ssize_t written = ::write(ready_.get(), &added, sizeof added);
@@ -59,15 +60,15 @@ std::optional<ExternalRequest> AcceptedRequests::take() {
   return request;
 }
 
-std::optional<Contents> AcceptedRequests::takeContents(const std::string& path) {
+std::optional<AcceptedRequests::File> AcceptedRequests::takeContents(const std::string& path) {
   const std::lock_guard lock(mutex_);
   const auto waiting = contents_.find(path);
   if (waiting == contents_.end()) return std::nullopt;
-  Contents contents = std::move(waiting->second.front());
-  waitingBytes_ -= sizeOf(contents);
+  File file = std::move(waiting->second.front());
+  waitingBytes_ -= sizeOf(file.contents);
   waiting->second.pop_front();
   if (waiting->second.empty()) contents_.erase(waiting);
-  return contents;
+  return file;
 }
 
 std::size_t AcceptedRequests::size() const {

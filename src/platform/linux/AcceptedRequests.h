@@ -24,6 +24,8 @@ struct ExternalRequest {
   };
   Kind kind = Kind::Reopen;
   std::string path = {};
+  /// What the desktop gave the caller for this program's windows; "" for nothing.
+  std::string startupToken = {};
 
   bool operator==(const ExternalRequest&) const = default;
 };
@@ -47,9 +49,15 @@ class AcceptedRequests {
   /// The request at the head of the line, which leaves it; nothing when the line is empty.
   std::optional<ExternalRequest> take();
 
+  /// An accepted file.
+  struct File {
+    Result<PropertyList::Data> contents;
+    std::string startupToken;
+  };
+
   /// What an accepted file held, each time the path was accepted once and in that order; nothing
   /// when it is not among the accepted ones.
-  std::optional<Result<PropertyList::Data>> takeContents(const std::string& path);
+  std::optional<File> takeContents(const std::string& path);
 
   std::size_t size() const;
 
@@ -60,7 +68,7 @@ class AcceptedRequests {
  private:
   mutable std::mutex mutex_;
   std::deque<ExternalRequest> requests_;
-  std::map<std::string, std::deque<Result<PropertyList::Data>>> contents_;
+  std::map<std::string, std::deque<File>> contents_;
   std::size_t waitingBytes_ = 0;
   FileDescriptor ready_;
 };

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "foundation/FileURL.h"
+#include "platform/linux/ApplicationObject.h"
 #include "platform/linux/GLibPointers.h"
 #include "platform/linux/Identity.h"
 
@@ -18,8 +19,8 @@ void addText(GVariantBuilder& dictionary, const char* key, const std::string& te
 GVariant* platformData(const BusIntake::Launch& launch) {
   GVariantBuilder dictionary;
   g_variant_builder_init(&dictionary, G_VARIANT_TYPE_VARDICT);
-  addText(dictionary, "activation-token", launch.activationToken);
-  addText(dictionary, "desktop-startup-id", launch.startupId);
+  addText(dictionary, platform_data::activationToken, launch.activationToken);
+  addText(dictionary, platform_data::startupId, launch.startupId);
   return g_variant_builder_end(&dictionary);
 }
 

@@ -61,6 +61,16 @@ GLibPointer<GVariant> callBus(GDBusConnection* connection, const char* method, G
       error.slot()));
 }
 
+/// The token in the platform data of an "Open".
+std::string startupTokenOf(GVariant* arguments) {
+  const GLibPointer<GVariant> platformData(g_variant_get_child_value(arguments, 1));
+  for (const char* key : {platform_data::activationToken, platform_data::startupId}) {
+    const char* token = nullptr;
+    if (g_variant_lookup(platformData.get(), key, "&s", &token) != FALSE) return token;
+  }
+  return {};
+}
+
 bool isFileUri(std::string_view uri) {
   constexpr std::string_view scheme = "file:";
   return uri.size() > scheme.size() && g_ascii_strncasecmp(uri.data(), scheme.data(), 5) == 0;
@@ -185,7 +195,9 @@ BusIntake::Outcome BusIntake::State::claimOrHandOver(const Launch& launch) {
 void BusIntake::State::acceptLaunch(const Launch& launch) {
   std::vector<ExternalRequest> requests;
   for (const std::string& file : launch.files) {
-    requests.push_back({ExternalRequest::Kind::Open, file});
+    requests.push_back(
+        {ExternalRequest::Kind::Open, file,
+         launch.activationToken.empty() ? launch.startupId : launch.activationToken});
   }
   if (!accepted.push(requests)) log.write("cannot open so many large files at once");
 }
@@ -230,13 +242,14 @@ void BusIntake::State::handle(std::string_view method, GVariant* arguments,
 
 bool BusIntake::State::acceptOpen(GVariant* arguments) {
   const GLibPointer<GVariant> uris(g_variant_get_child_value(arguments, 0));
+  const std::string token = startupTokenOf(arguments);
   std::vector<ExternalRequest> requests;
   for (gsize index = 0; index < g_variant_n_children(uris.get()); ++index) {
     const char* uri = nullptr;
     g_variant_get_child(uris.get(), index, "&s", &uri);
     const auto url = isFileUri(uri) ? FileURL::urlWithString(uri) : std::nullopt;
     if (url) {
-      requests.push_back({ExternalRequest::Kind::Open, url->path()});
+      requests.push_back({ExternalRequest::Kind::Open, url->path(), token});
     } else {
       log.write("cannot open what is no file: " + std::string(uri));
     }

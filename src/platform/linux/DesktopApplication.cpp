@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "foundation/FileURL.h"
+#include "platform/linux/CurrentStartupToken.h"
 #include "platform/linux/ProgramLauncher.h"
 #include "platform/linux/SystemErrors.h"
 
@@ -15,7 +16,8 @@ void becomeSessionLeader(gpointer) {
   ::setsid();
 }
 
-/// The environment of this process without what told of its own start. An entry that is started by
+/// The environment of this process, with the token of the request in hand instead of what told of
+/// its own start. An entry that is started by
 /// D-Bus has none: GIO would complain of a context without startup id when the activation fails.
 GObjectPointer<GAppLaunchContext> launchContext(GDesktopAppInfo* application) {
   if (g_desktop_app_info_get_boolean(application, G_KEY_FILE_DESKTOP_KEY_DBUS_ACTIVATABLE) !=
@@ -25,6 +27,11 @@ GObjectPointer<GAppLaunchContext> launchContext(GDesktopAppInfo* application) {
   GObjectPointer<GAppLaunchContext> context(g_app_launch_context_new());
   for (const char* name : variablesOfOwnStart) {
     g_app_launch_context_unsetenv(context.get(), name);
+  }
+  const std::string token = currentStartupToken();
+  if (token.empty()) return context;
+  for (const std::string_view name : variablesOfStartupToken) {
+    g_app_launch_context_setenv(context.get(), name.data(), token.c_str());
   }
   return context;
 }

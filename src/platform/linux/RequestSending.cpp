@@ -17,40 +17,50 @@ namespace tavrin {
 
 namespace {
 
+GVariant* platformData(const std::string& startupToken) {
+  GVariantBuilder dictionary;
+  g_variant_builder_init(&dictionary, G_VARIANT_TYPE_VARDICT);
+  if (!startupToken.empty() && g_utf8_validate(startupToken.c_str(), -1, nullptr) != FALSE) {
+    for (const char* key : {platform_data::activationToken, platform_data::startupId}) {
+      g_variant_builder_add(&dictionary, "{sv}", key, g_variant_new_string(startupToken.c_str()));
+    }
+  }
+  return g_variant_builder_end(&dictionary);
+}
+
 Status askToOpen(GDBusConnection* connection, const std::string& path,
-                 std::chrono::milliseconds patience) {
+                 const SendingOptions& options) {
   const std::string uri = FileURL::fileURLWithPath(path).absoluteString();
   const char* const uris[] = {uri.c_str(), nullptr};
   GLibError error;
   const GLibPointer<GVariant> answer(g_dbus_connection_call_sync(
       connection, identity::applicationId, applicationObjectPath, applicationInterface, "Open",
-      g_variant_new("(^as@a{sv})", uris, g_variant_new("a{sv}", nullptr)), nullptr,
-      G_DBUS_CALL_FLAGS_NONE, static_cast<int>(patience.count()), nullptr, error.slot()));
+      g_variant_new("(^as@a{sv})", uris, platformData(options.startupToken)), nullptr,
+      G_DBUS_CALL_FLAGS_NONE, static_cast<int>(options.patience.count()), nullptr, error.slot()));
   if (!answer) return busError("have the request opened", error);
   return success();
 }
 
-Status writeAndSend(const PropertyList& request, std::chrono::milliseconds patience) {
+Status writeAndSend(const PropertyList& request, const SendingOptions& options) {
   const auto file = writeRequestFile(request);
   if (!file) return file.error();
   const auto connection = connectToSessionBus();
   if (!connection) return connection.error();
-  return askToOpen(connection.value().get(), file.value().path(), patience);
+  return askToOpen(connection.value().get(), file.value().path(), options);
 }
 
 /// A request on its way on another thread. The mutex orders the two threads, whoever lets go last.
 struct Sending {
-  Sending(std::vector<PropertyList> whatToSend, RequestCompletion whenSent,
-          std::chrono::milliseconds howLong)
+  Sending(std::vector<PropertyList> whatToSend, RequestCompletion whenSent, SendingOptions how)
       : requests(std::move(whatToSend)),
         completion(std::move(whenSent)),
-        patience(howLong),
+        options(std::move(how)),
         context(g_main_context_ref_thread_default()) {}
 
   std::mutex mutex;
   const std::vector<PropertyList> requests;
   const RequestCompletion completion;
-  const std::chrono::milliseconds patience;
+  const SendingOptions options;
   /// The caller's.
   const GLibPointer<GMainContext> context;
   Status outcome = systemError("start", "a thread", EAGAIN);
@@ -85,7 +95,7 @@ void sendAndComplete(Sending* sending) {
   const std::lock_guard lock(sending->mutex);
   sending->outcome = success();
   for (const PropertyList& request : sending->requests) {
-    sending->outcome = sendRequest(request, sending->patience);
+    sending->outcome = sendRequest(request, sending->options);
     if (!sending->outcome) break;
   }
   completeInLoop(sending);
@@ -93,19 +103,20 @@ void sendAndComplete(Sending* sending) {
 
 }  // namespace
 
-Status sendRequest(const PropertyList& request, std::chrono::milliseconds patience) noexcept {
+Status sendRequest(const PropertyList& request, const SendingOptions& options) noexcept {
   try {
-    return writeAndSend(request, patience);
+    return writeAndSend(request, options);
   } catch (...) {
     return systemError("send", "request", ENOMEM);
   }
 }
 
 void sendRequestsAsync(std::vector<PropertyList> requests, RequestCompletion completion,
-                       std::chrono::milliseconds patience) noexcept {
+                       SendingOptions options) noexcept {
   // Without memory GLib ends the process as well.
   auto* sending =
-      std::make_unique<Sending>(std::move(requests), std::move(completion), patience).release();
+      std::make_unique<Sending>(std::move(requests), std::move(completion), std::move(options))
+          .release();
   try {
     std::thread(sendAndComplete, sending).detach();
   } catch (...) {

@@ -111,15 +111,15 @@ TEST_F(BusIntakeTest, readsAFileBeforeItAnswers) {
   ASSERT_EQ(call(caller_.get(), "Open", openArguments({uri})), "");
 
   const auto takeText = [&] {
-    const auto contents = accepted_.takeContents(path);
-    if (!contents || !*contents) return std::string("none");
-    return std::string(contents->value().begin(), contents->value().end());
+    const auto file = accepted_.takeContents(path);
+    if (!file || !file->contents) return std::string("none");
+    return std::string(file->contents.value().begin(), file->contents.value().end());
   };
   EXPECT_EQ(takeText(), "first");
   EXPECT_EQ(takeText(), "second");
   const auto missing = accepted_.takeContents(path);
-  ASSERT_TRUE(missing && !*missing);
-  EXPECT_EQ(missing->error().code, std::errc::no_such_file_or_directory);
+  ASSERT_TRUE(missing && !missing->contents);
+  EXPECT_EQ(missing->contents.error().code, std::errc::no_such_file_or_directory);
   EXPECT_FALSE(accepted_.takeContents(path));
 }
 

@@ -50,6 +50,14 @@ class RequestSendingTest : public ::testing::Test {
   BusIntake intake_{accepted_, log_};
 };
 
+TEST_F(RequestSendingTest, theTokenOfTheClickStaysWithItsRequest) {
+  startHost();
+  ASSERT_TRUE(sendRequest(request("/one"), {patienceWithHost, "menu-1_TIME42"}));
+  ASSERT_TRUE(sendRequest(request("/two"), {patienceWithHost, "no\xfftext"}));
+  EXPECT_EQ(accepted_.takeContents(accepted_.take()->path)->startupToken, "menu-1_TIME42");
+  EXPECT_EQ(accepted_.takeContents(accepted_.take()->path)->startupToken, "");
+}
+
 TEST_F(RequestSendingTest, theFileIsGoneWhenTheHostHasAcceptedAndTheHostStillHasTheRequest) {
   startHost();
   EXPECT_TRUE(sendRequest(request("/one")));
@@ -95,7 +103,7 @@ TEST_F(RequestSendingTest, saysThatNoHostIsThere) {
 TEST_F(RequestSendingTest, givesUpOnAHostThatDoesNotAnswer) {
   // It has the name, but does not serve yet.
   ASSERT_EQ(intake_.start({}), BusIntake::Outcome::Primary);
-  const Status outcome = sendRequest(request("/one"), 200ms);
+  const Status outcome = sendRequest(request("/one"), {200ms});
   ASSERT_FALSE(outcome);
   EXPECT_EQ(outcome.error().code, std::errc::timed_out);
   EXPECT_TRUE(noFileIsLeft());

@@ -10,9 +10,6 @@ namespace tavrin {
 /// The emblem of a file that waits to be pasted, a name in the icon theme behind "emblem-".
 inline constexpr const char* cutEmblem = "tavrin-cut";
 
-/// By what a file manager tells an item from those of other extensions.
-std::string itemName(const MenuItem& item);
-
 /// The title as a label whose mnemonics are marked by "_".
 std::string itemLabel(const MenuItem& item);
 

@@ -117,7 +117,7 @@ class MenuItems {
 
   static GObjectPointer<Item> newItem(const MenuItem& item, const std::string& label) {
     // A tooltip must be given, though it may be empty.
-    return GObjectPointer<Item>(Manager::newItem(itemName(item).c_str(), label.c_str(), "",
+    return GObjectPointer<Item>(Manager::newItem(item.identifier.c_str(), label.c_str(), "",
                                                  item.icon.empty() ? nullptr : item.icon.c_str()));
   }
 

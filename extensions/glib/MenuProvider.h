@@ -42,15 +42,15 @@ class MenuProvider {
       auto* object = reinterpret_cast<Object*>(instance);
       object->provider = guarded([object] { return new MenuProvider(object); });
     };
-    type_ = g_type_module_register_type(module, G_TYPE_OBJECT, Manager::typeName, &info,
-                                        G_TYPE_FLAG_FINAL);
+    menuType = g_type_module_register_type(module, G_TYPE_OBJECT, Manager::typeName, &info,
+                                           G_TYPE_FLAG_FINAL);
     addInterface<typename Manager::MenuInterface>(module, Manager::menuProviderType());
     addInterface<typename Manager::InfoInterface>(module, Manager::infoProviderType());
   }
 
   /// The types that the file manager makes an object of.
   static void listTypes(const GType** types, int* count) {
-    *types = &type_;
+    *types = &menuType;
     *count = 1;
   }
 
@@ -104,7 +104,7 @@ class MenuProvider {
     info.interface_init = [](gpointer vtable, gpointer) {
       Manager::connect(static_cast<Interface*>(vtable));
     };
-    g_type_module_add_interface(module, type_, interfaceType, &info);
+    g_type_module_add_interface(module, menuType, interfaceType, &info);
   }
 
   template <typename Work>
@@ -120,7 +120,7 @@ class MenuProvider {
     if (file) Manager::invalidate(file.get());
   }
 
-  static inline GType type_ = 0;
+  static inline GType menuType = 0;
 
   std::shared_ptr<MenuExtension> extension_;
   MenuItems<Manager> items_;

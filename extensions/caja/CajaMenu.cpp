@@ -3,7 +3,7 @@
 
 #include "extensions/glib/Gtk3.h"
 #include "extensions/glib/MenuProvider.h"
-#include "menu/FileManagers.h"
+#include "foundation/FileManagers.h"
 
 namespace tavrin {
 namespace {

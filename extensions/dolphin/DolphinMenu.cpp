@@ -14,7 +14,7 @@
 
 #include "extensions/common/MenuExtension.h"
 #include "extensions/dolphin/DolphinItems.h"
-#include "menu/FileManagers.h"
+#include "foundation/FileManagers.h"
 
 namespace tavrin {
 

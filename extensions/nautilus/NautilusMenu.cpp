@@ -2,7 +2,7 @@
 
 #include "extensions/glib/MenuProvider.h"
 #include "extensions/nautilus/Gtk4.h"
-#include "menu/FileManagers.h"
+#include "foundation/FileManagers.h"
 
 // Its declarations are not C's by themselves.
 extern "C" {

@@ -9,7 +9,7 @@
 
 #include "extensions/common/MenuExtension.h"
 #include "extensions/thunar/ThunarItems.h"
-#include "menu/FileManagers.h"
+#include "foundation/FileManagers.h"
 #include "platform/linux/GLibPointers.h"
 
 namespace tavrin {

@@ -50,7 +50,7 @@ Result<PropertyList::Data> pngOf(const QIcon& icon, PanelIcons::Symbol drawing, 
 
 QIcon iconOfName(const std::string& nameOrPath) {
   if (nameOrPath.starts_with('/')) {
-    const QIcon image(QFile::decodeName(nameOrPath.c_str()));
+    QIcon image(QFile::decodeName(nameOrPath.c_str()));
     if (!image.pixmap(1).isNull()) return image;
   }
   const QString name = QString::fromStdString(nameOrPath);

@@ -23,8 +23,9 @@ bool operator==(const ExtensionHost& left, const ExtensionHost& right) {
          left.state == right.state;
 }
 
-void PrintTo(const ExtensionHost& host, std::ostream* out) {
-  *out << host.identifier << " \"" << host.displayName << "\" " << static_cast<int>(host.state);
+std::ostream& operator<<(std::ostream& out, const ExtensionHost& host) {
+  return out << host.identifier << " \"" << host.displayName << "\" "
+             << static_cast<int>(host.state);
 }
 
 namespace {
@@ -44,13 +45,15 @@ constexpr const char* nemoSchema = R"(<schemalist>
 <key name="disabled-extensions" type="as"><default>[]</default></key>
 </schema></schemalist>)";
 
+std::unique_ptr<test::TemporaryFolder> desktopFolder;
+
 /// A desktop without file managers: GLib asks for its folders once.
 class Desktop : public testing::Environment {
  public:
-  static const std::string& folder() { return folder_->path(); }
+  static const std::string& folder() { return desktopFolder->path(); }
 
   void SetUp() override {
-    folder_ = std::make_unique<test::TemporaryFolder>();
+    desktopFolder = std::make_unique<test::TemporaryFolder>();
     const std::string schemas = folder() + "/data/glib-2.0/schemas";
     test::writeFile(schemas + "/org.nemo.gschema.xml", nemoSchema);
     ASSERT_EQ(test::ChildProcess({"glib-compile-schemas", schemas}).wait(), 0);
@@ -60,13 +63,9 @@ class Desktop : public testing::Environment {
     test::setVariable("GSETTINGS_BACKEND", "memory");
     test::setVariable("PATH", folder() + "/bin");
   }
-  void TearDown() override { folder_.reset(); }
-
- private:
-  static std::unique_ptr<test::TemporaryFolder> folder_;
+  void TearDown() override { desktopFolder.reset(); }
 };
 
-std::unique_ptr<test::TemporaryFolder> Desktop::folder_;
 [[maybe_unused]] const auto* const desktop =
     testing::AddGlobalTestEnvironment(new Desktop());  // NOLINT: the framework owns it
 
@@ -92,7 +91,7 @@ class FullDisk {
 
 class ExtensionControllerTest : public testing::Test {
  protected:
-  ~ExtensionControllerTest() override {
+  void TearDown() override {
     test::setVariable("QT_PLUGIN_PATH", std::nullopt);
     for (const char* part : {"bin", "config", "own"}) {
       std::filesystem::remove_all(Desktop::folder() + "/" + part);

@@ -1,3 +1,0 @@
-#pragma once
-
-#include "foundation/FileManagers.h"  // IWYU pragma: export

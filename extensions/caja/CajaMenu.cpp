@@ -16,6 +16,7 @@ struct Caja {
   using InfoInterface = CajaInfoProviderIface;
 
   static constexpr const char* typeName = "TavrinCajaMenu";
+  static constexpr const char* desktop = "x-caja-desktop:///";
   static constexpr bool sameTitles = true;
   static constexpr auto menuProviderType = &caja_menu_provider_get_type;
   static constexpr auto infoProviderType = &caja_info_provider_get_type;

@@ -3,9 +3,9 @@
 #include <glib-object.h>
 
 #include <string>
-#include <string_view>
 #include <vector>
 
+#include "extensions/glib/Places.h"
 #include "menu/SelectedItems.h"
 #include "platform/linux/GLibPointers.h"
 
@@ -17,17 +17,14 @@ inline std::string takeText(char* text) {
   return owned ? std::string(owned.get()) : std::string();
 }
 
-/// The URI of a file of a file manager: where a list of recent files or of results leads to a file
-/// of the disk, the URI of that file.
+/// The URI of a file of a file manager; where that stands for a file of the disk, the URI of it.
 template <typename Manager>
 std::string uriOf(typename Manager::FileInfo* file) {
-  constexpr std::string_view ofDisk = "file:";
-  // What lies in the trash is to be put back, not worked on, though there is a file behind it.
-  constexpr std::string_view ofTrash = "trash:";
   std::string uri = takeText(Manager::fileUri(file));
-  if (uri.starts_with(ofDisk) || uri.starts_with(ofTrash)) return uri;
+  if (uri == Manager::desktop) return desktopFolder();
+  if (!isInListOfFiles(uri)) return uri;
   std::string target = takeText(Manager::fileActivationUri(file));
-  return target.starts_with(ofDisk) ? target : uri;
+  return target.starts_with("file:") ? target : uri;
 }
 
 /// Files of a file manager, held as long as a menu needs them.

@@ -22,6 +22,7 @@ namespace tavrin {
 /// - newItem, newSubmenu, append, setSubmenu: of its menu; the last two take a reference;
 /// - fileUri, fileActivationUri, isFolder, contentType, addEmblem, lookUp, invalidate: of a file;
 /// - typeName, fileManager(): what this module is;
+/// - desktop: the URI of what is in view on the desktop, "" where it has none;
 /// - sameTitles: whether it tells submenus of the same title from each other;
 /// - connect(), of both interfaces: sets the functions below, in its own signatures.
 template <typename Manager>

@@ -20,6 +20,7 @@ struct Nautilus {
   using InfoInterface = NautilusInfoProviderInterface;
 
   static constexpr const char* typeName = "TavrinNautilusMenu";
+  static constexpr const char* desktop = "";
   static constexpr bool sameTitles = false;
   static constexpr auto menuProviderType = &nautilus_menu_provider_get_type;
   static constexpr auto infoProviderType = &nautilus_info_provider_get_type;

@@ -16,6 +16,7 @@ struct Nemo {
   using InfoInterface = NemoInfoProviderInterface;
 
   static constexpr const char* typeName = TAVRIN_NEMO_TYPE;
+  static constexpr const char* desktop = "x-nemo-desktop:///";
   static constexpr bool sameTitles = true;
   static constexpr auto menuProviderType = &nemo_menu_provider_get_type;
   static constexpr auto infoProviderType = &nemo_info_provider_get_type;

@@ -44,13 +44,13 @@ MenuExtension& menuExtension() {
 /// Whether Qt runs GLib's main context, by which the menu gets to know of changed settings and of
 /// failures. It does not when $QT_NO_GLIB is set, or when it was built so.
 bool isMainContextRun() {
-  const auto* dispatcher = QAbstractEventDispatcher::instance();
-  const bool isRun = dispatcher != nullptr && dispatcher->inherits("QEventDispatcherGlib");
-  static const bool isTold = [isRun] {
-    if (!isRun) qWarning("tavrin: no menu, since Qt does not use the event loop of GLib");
-    return true;
+  static const bool isRun = [] {
+    const auto* dispatcher = QAbstractEventDispatcher::instance();
+    if (dispatcher != nullptr && dispatcher->inherits("QEventDispatcherGlib")) return true;
+    qWarning("tavrin: no menu, since Qt does not use the event loop of GLib");
+    return false;
   }();
-  return isRun && isTold;
+  return isRun;
 }
 
 /// The title as Qt's labels read it, where an ampersand marks the key of the letter behind it.

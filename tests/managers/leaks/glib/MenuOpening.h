@@ -31,7 +31,9 @@ class TestFiles {
     info.interface_init = [](gpointer interface, gpointer) {
       auto* file = static_cast<typename Manager::FileInterface*>(interface);
       file->get_uri = uri;
-      file->get_activation_uri = uri;
+      file->get_activation_uri = [](FileInfo* link) {
+        return g_strdup(reinterpret_cast<File*>(link)->target);
+      };
       file->get_mime_type = [](FileInfo*) { return g_strdup("inode/directory"); };
       file->is_directory = [](FileInfo*) -> gboolean { return TRUE; };
       file->add_emblem = [](FileInfo* marked, const char*) {
@@ -41,10 +43,12 @@ class TestFiles {
     g_type_add_interface_static(type_, Manager::fileInfoType(), &info);
   }
 
-  /// A folder, so that it can be selected and in view. `address` is its URI.
-  GObject* create(const char* address) const {
+  /// A folder, so that it can be selected and in view. `address` is its URI, `target` that of what
+  /// is opened in its place.
+  GObject* create(const char* address, const char* target) const {
     auto* file = static_cast<File*>(g_object_new(type_, nullptr));
     file->address = address;
+    file->target = target;
     return &file->parent;
   }
 
@@ -56,6 +60,7 @@ class TestFiles {
   struct File {
     GObject parent;
     const char* address;
+    const char* target;
     bool hasEmblem;
   };
 
@@ -134,14 +139,15 @@ class MenuOpening {
     auto* folder = reinterpret_cast<typename Manager::FileInfo*>(file_);
     GList* ofFolder = Manager::itemsOfFolder(provider_, folder);
     require(readAndFree(ofFolder, submenus) >= 10, "rows are missing in the menu of a folder");
-    updateInfo(file_);
-    updateInfo(cutFile_);
-    require(!TestFiles<Manager>::hasEmblem(file_), "a file has an emblem that is not cut");
-    require(TestFiles<Manager>::hasEmblem(cutFile_), "a file is cut and has no emblem");
+    require(!getsEmblem(file_), "a file has an emblem that is not cut");
+    require(getsEmblem(cutFile_), "a file is cut and has no emblem");
+    require(getsEmblem(recentFile_), "a recent file is not taken for the file that it is");
+    require(!getsEmblem(link_), "a link is taken for what it leads to");
   }
 
-  void updateInfo(GObject* file) {
+  bool getsEmblem(GObject* file) {
     Manager::updateInfo(provider_, reinterpret_cast<typename Manager::FileInfo*>(file), updated_);
+    return TestFiles<Manager>::hasEmblem(file);
   }
 
   /// Returns how many items there were, those of submenus among them.
@@ -165,8 +171,11 @@ class MenuOpening {
 
   gpointer provider_;
   TestFiles<Manager> files_;
-  GObject* file_ = files_.create("file:///usr/share");
-  GObject* cutFile_ = files_.create("file:///usr/lib");
+  GObject* file_ = files_.create("file:///usr/share", "file:///usr/share");
+  // The settings say that /usr/lib is cut.
+  GObject* cutFile_ = files_.create("file:///usr/lib", "file:///usr/lib");
+  GObject* recentFile_ = files_.create("recent:///1", "file:///usr/lib");
+  GObject* link_ = files_.create("computer:///root.link", "file:///usr/lib");
   GClosure* updated_ = g_cclosure_new([] { fail("an emblem comes late"); }, nullptr, nullptr);
 };
 

@@ -86,7 +86,7 @@ void FileManagersDialog::showHosts() {
 void FileManagersDialog::makeRows(const std::vector<ExtensionHost>& hosts) {
   rows_.clear();
   auto* list = new QWidget(this);
-  layout()->replaceWidget(list_, list);
+  delete layout()->replaceWidget(list_, list);
   delete std::exchange(list_, list);
   auto* grid = new QGridLayout(list);
   grid->setContentsMargins(0, 0, 0, 0);

@@ -13,7 +13,13 @@ std::string textOf(char* text) {
 }  // namespace
 
 std::string uriOf(ThunarxFileInfo* file) {
-  return textOf(thunarx_file_info_get_uri(file));
+  std::string uri = textOf(thunarx_file_info_get_uri(file));
+  if (!uri.starts_with("recent:")) return uri;
+  const GObjectPointer<GFileInfo> info(thunarx_file_info_get_file_info(file));
+  if (!info) return uri;
+  const char* target =
+      g_file_info_get_attribute_string(info.get(), G_FILE_ATTRIBUTE_STANDARD_TARGET_URI);
+  return target == nullptr ? uri : target;
 }
 
 ThunarItems::ThunarItems(const GList* files) {

@@ -8,7 +8,7 @@
 
 namespace tavrin {
 
-/// The URI of a file; "" for one that has none.
+/// The URI of a file, in the list of recent files that of the file meant; "" for one that has none.
 std::string uriOf(ThunarxFileInfo* file);
 
 /// Files that are selected in Thunar, which have a reference each.

@@ -15,14 +15,25 @@ extern "C" {
 
 namespace {
 
+constexpr const char* fileUri = "file:///usr/share/dict";
+
 struct File {
   GObject parent;
+  /// As it stands in the list of recent files, where it has another URI.
+  bool isRecent;
 };
 
 // What thunarx asks a file.
 
-gchar* uriOf(ThunarxFileInfo* /*file*/) {
-  return g_strdup("file:///usr/share/dict");
+gchar* uriOf(ThunarxFileInfo* file) {
+  const bool isRecent = reinterpret_cast<const File*>(file)->isRecent;
+  return g_strdup(isRecent ? "recent:///5f3759df" : fileUri);
+}
+
+GFileInfo* informationOf(ThunarxFileInfo* /*file*/) {
+  GFileInfo* information = g_file_info_new();
+  g_file_info_set_attribute_string(information, G_FILE_ATTRIBUTE_STANDARD_TARGET_URI, fileUri);
+  return information;
 }
 
 gchar* nameOf(ThunarxFileInfo* /*file*/) {
@@ -44,6 +55,7 @@ gboolean isDirectory(ThunarxFileInfo* /*file*/) {
 void initializeFileInfo(gpointer interface, gpointer /*data*/) {
   auto* file = static_cast<ThunarxFileInfoIface*>(interface);
   file->get_uri = uriOf;
+  file->get_file_info = informationOf;
   file->get_name = nameOf;
   file->get_uri_scheme = schemeOf;
   file->get_mime_type = mimeTypeOf;
@@ -120,6 +132,7 @@ int main(int argumentCount, char** arguments) {
   ThunarxMenuProvider* provider = loadModule(arguments[1]);
   auto* file = static_cast<GObject*>(g_object_new(registerFile(), nullptr));
   for (long left = std::strtol(arguments[2], nullptr, 10); left > 0; --left) {
+    reinterpret_cast<File*>(file)->isRecent = left % 2 == 0;
     openMenus(provider, file);
   }
   g_object_unref(file);

@@ -130,7 +130,8 @@ struct MenuExtension::State {
         appendingPathComponent(userDataDirectory(), identity::groupIdentifier);
     environment.localized = translatedText;
     environment.fileOfIcon = [this](const PropertyList& icon) { return icons.fileOfIcon(icon); };
-    refresh();
+    watch.watch(folder);
+    readSettings();
     cutPaths = pathsOfList(settings.cutItems);
   }
 
@@ -139,31 +140,29 @@ struct MenuExtension::State {
     return std::find(off.begin(), off.end(), fileManager.identifier) != off.end();
   }
 
-  void readSettings() {
+  /// False when others keep the settings from being read right now.
+  bool readSettings() {
     const auto values = reader.read(menuSettingsKeys);
-    if (!values) return;
+    if (!values) return false;
     settings = readMenuSettings(*values, environment);
     icons.makeMissing([this] { guarded([this] { newIcons(); }); });
-    if (!isOff()) return;
-    settings = {};
+    if (isOff()) settings = {};
+    return true;
   }
 
   /// Reads the settings again if they have changed. The file manager, which may be asking for a
   /// menu right now, is told later.
   void refresh() {
     watch.watch(folder);
-    if (!reader.hasChanged()) return;
-    readSettings();
-    watch.tellSoon();
+    if (reader.hasChanged() && readSettings()) watch.tellSoon();
   }
 
   void newIcons() {
-    readSettings();
-    watch.tellSoon();
+    if (readSettings()) watch.tellSoon();
   }
 
   void tellChange() {
-    refresh();
+    if (reader.hasChanged()) readSettings();
     Paths cutNow = pathsOfList(settings.cutItems);
     const std::vector<std::string> items = differences(cutPaths, cutNow);
     cutPaths = std::move(cutNow);

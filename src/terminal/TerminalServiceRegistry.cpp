@@ -1,6 +1,7 @@
 #include "terminal/TerminalServiceRegistry.h"
 
 #include "foundation/PathHelpers.h"
+#include "terminal/TerminalServiceIdentifiers.h"
 
 namespace tavrin {
 
@@ -16,17 +17,19 @@ TerminalServiceRegistry::TerminalServiceRegistry(Platform& platform)
 
 std::vector<TerminalService> TerminalServiceRegistry::services() const {
   std::vector<TerminalService> services = {
-      {"Terminal", "Open Terminal Tab", "New Terminal Tab at Folder", "com.apple.terminal.tab"},
-      {"Terminal", "Open Terminal Window", "New Terminal at Folder", "com.apple.terminal.window"}};
+      {"Terminal", "Open Terminal Tab", "New Terminal Tab at Folder",
+       terminal_service::terminalTab},
+      {"Terminal", "Open Terminal Window", "New Terminal at Folder",
+       terminal_service::terminalWindow}};
   const bool hasSecond =
       isApplicationInstalled(secondTerminalIdentifier, [this](const std::string& identifier) {
         return platform_.launchServices.applicationsForBundleIdentifier(identifier).size();
       });
   if (!hasSecond) return services;
   services.emplace_back("iTerm2", "Open iTerm Tab", "New iTerm2 Tab Here",
-                        "com.googlecode.iterm2.tab");
+                        terminal_service::iTerm2Tab);
   services.emplace_back("iTerm2", "Open iTerm Window", "New iTerm2 Window Here",
-                        "com.googlecode.iterm2.window");
+                        terminal_service::iTerm2Window);
   return services;
 }
 

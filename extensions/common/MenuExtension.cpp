@@ -129,6 +129,7 @@ struct MenuExtension::State {
     environment.containerPath =
         appendingPathComponent(userDataDirectory(), identity::groupIdentifier);
     environment.localized = translatedText;
+    environment.productIcon = identity::applicationId;
     environment.fileOfIcon = [this](const PropertyList& icon) { return icons.fileOfIcon(icon); };
     watch.watch(folder);
     readSettings();

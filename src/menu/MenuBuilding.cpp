@@ -153,7 +153,7 @@ class Builder {
       if (!item || isTaken(commands, *item)) continue;
       commands.push_back(std::move(*item));
     }
-    addSubmenu("command", "Tavrin", {}, std::move(commands));
+    addSubmenu("command", "Tavrin", settings_.commandsIcon, std::move(commands));
   }
 
   /// `which` tells the identifiers of this menu from those of the other one of the window.

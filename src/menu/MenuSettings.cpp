@@ -222,6 +222,7 @@ class Reader {
 
   void readCommands() {
     const bool hasIcons = isOn(settings_key::enableIconOfOthers);
+    if (hasIcons) settings_.commandsIcon = environment_.productIcon;
     for (const PropertyList& row : rows(settings_key::arrOfOthers)) {
       if (settings_.commands.size() >= MenuSettings::maximumRows) break;
       if (!row.boolForKey(record_field::enable)) continue;

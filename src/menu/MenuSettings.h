@@ -26,6 +26,8 @@ struct MenuEnvironment {
   std::function<std::string(const PropertyList& icon)> fileOfIcon;
   /// Whether the services of the second terminal can be performed.
   bool hasSecondTerminal = false;
+  /// The name of the product's icon in the theme.
+  std::string productIcon = {};
 };
 
 /// One row of the Others list.
@@ -59,6 +61,7 @@ struct MenuSettings {
   std::string moveIcon;
   std::string commonFoldersIcon;
   std::string customIconsIcon;
+  std::string commandsIcon;
   /// The items of the latest cut, a file list string.
   std::string cutItems;
   std::vector<std::string> disabledFileManagers;

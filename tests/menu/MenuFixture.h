@@ -104,12 +104,14 @@ class MenuFixture : public testing::Test {
   }
 
   PropertyList::Dictionary suite;
-  MenuEnvironment environment{"/home/ann", "/container",
+  MenuEnvironment environment{"/home/ann",
+                              "/container",
                               [](const std::string& key) { return key.empty() ? key : "*" + key; },
                               [](const PropertyList& icon) {
                                 return "/icons/" + std::to_string(icon.dataIfData()->size());
                               },
-                              false};
+                              false,
+                              "product"};
 };
 
 }  // namespace tavrin

@@ -120,7 +120,7 @@ TEST_F(MenuSettingsTest, ImagesFollowTheirSwitches) {
   EXPECT_THAT(icons(), ElementsAre("/container/Templates/CreateNewFile/txt.png",
                                    "/container/Templates/FunctionIcon/copyFilesTo.png", "folder",
                                    "/container/Templates/FunctionIcon/customIcon.png", "/icons/1",
-                                   "/container/Templates/OthersMenuItemIcon/Cut.png"));
+                                   "product", "/container/Templates/OthersMenuItemIcon/Cut.png"));
 }
 
 TEST_F(MenuSettingsTest, ALongListIsCutOff) {

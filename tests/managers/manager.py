@@ -60,7 +60,8 @@ class MenuEntry:
 
     def __init__(self, item):
         self.item = item
-        self.title = item.name
+        # Some labels have characters at their end that nobody sees, to tell them from others.
+        self.title = item.name.rstrip("\u2060")
         states = item.states
         self.is_enabled = "sensitive" in states
         self.is_selected = bool(states & {"selected", "focused"})
@@ -89,16 +90,22 @@ class FileManager:
     # In what other programs call menu items.
     item_roles = ("menu item", "menu", "check menu item")
     has_emblems = False
+    # The keys for the views, where the one that tells places is not the one to be looked at.
+    key_of_icons = None
+    key_of_list = None
     # Whether the menu of the background is told from that of a selected folder.
     knows_background = True
     # Elsewhere a click on the item above a submenu is one on an item.
     opens_submenus_by_click = False
     key_into_submenu = "Right"
+    # In seconds, for what a click in a menu does.
+    patience = PATIENCE
 
     def __init__(self, session, bus):
         self.session = session
         self.bus = bus
         self.log_name = f"{self.name}.log"
+        self.program = None
 
     # Its process
 
@@ -179,17 +186,23 @@ class FileManager:
     def prepare_view(self):
         """Has a folder shown in a way in which the tree tells where the files are."""
 
-    def is_alive(self):
-        return self.program.poll() is None
+    def has_ended(self):
+        """Whether it was started and runs no more."""
+        return self.program is not None and self.program.poll() is not None
 
     # Folders and files
 
     def go_to(self, location, item=None):
         """Shows another folder in the window, and waits for an item of it."""
+        # Typed, it would be completed to something else by and by.
+        text = self.session.folder / "location"
+        text.write_text(str(location))
+        self.session.start_program(["xclip", "-in", "-selection", "clipboard", str(text)])
         self.key("ctrl+l")
         time.sleep(0.5)
-        self.key("ctrl+a")
-        self.session.type_line(str(location))
+        self.key("ctrl+a", "ctrl+v")
+        time.sleep(0.3)
+        self.key("Return")
         self.prepare_view()
         if item is not None:
             self.wait_for_item(item)
@@ -269,7 +282,14 @@ class FileManager:
 
     def open_menu_at(self, point):
         self.click(point, button=3)
-        return poll(self.menu, f"the menu of {self.name}")
+        return poll(self.whole_menu, f"the menu of {self.name}", self.patience)
+
+    def whole_menu(self):
+        """The items of the open menu once no more are coming."""
+        before = self.menu()
+        time.sleep(PAUSE)
+        after = self.menu()
+        return after if titles(before) == titles(after) else None
 
     def menu(self):
         """The items of the open menu, from the first to the last; empty when none is open."""
@@ -305,7 +325,7 @@ class FileManager:
             self.click(self.middle(entry))
         else:
             self.move_to(self.middle(entry))
-        return poll(lambda: self.shown_submenu(entry), f"the submenu {entry}")
+        return poll(lambda: self.shown_submenu(entry), f"the submenu {entry}", self.patience)
 
     def entry(self, title, entries, holding=None):
         """The item of a title; `holding` says what its submenu has, where others have its title."""
@@ -321,6 +341,14 @@ class FileManager:
         self.wait_for_no_menu()
 
     def middle(self, entry):
+        """The middle of an item on the screen, once it stands still."""
+        def settled():
+            before = self._middle(entry)
+            time.sleep(PAUSE)
+            return before if before == self._middle(entry) else None
+        return poll(settled, f"{entry} to stand still")
+
+    def _middle(self, entry):
         return entry.item.middle
 
     def choose(self, *path):
@@ -366,4 +394,4 @@ class FileManager:
             with contextlib.suppress(Gone):
                 return not self.menu()
             return True
-        poll(is_closed, "the menu to close")
+        poll(is_closed, "the menu to close", self.patience)

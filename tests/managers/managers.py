@@ -4,7 +4,7 @@ import contextlib
 import re
 
 from accessible import FocusWatch, Gone
-from manager import INTO_NAME, FileManager, MenuEntry, poll, search
+from manager import INTO_NAME, FileManager, MenuEntry, poll, search, titles
 from session import wait_until
 
 # In the trees of GTK 3 and Qt, what has no files below it.
@@ -55,31 +55,36 @@ class Gtk3Manager(FileManager):
 class Nemo(Gtk3Manager):
     name = "nemo"
     module_place = ("libnemo-extension", "extensiondir")
-    module_pattern = "nemo/extensions-3.0/*.so"
+    module_pattern = "nemo/extensions-3.0/libtavrin-menu.so"
     settings = {"org/nemo/preferences": {"default-folder-viewer": "'list-view'"}}
     has_emblems = True
+    key_of_icons = "ctrl+1"
+    key_of_list = "ctrl+2"
 
 
 class Caja(Gtk3Manager):
     name = "caja"
     module_place = ("libcaja-extension", "extensiondir")
-    module_pattern = "caja/extensions-2.0/*.so"
+    module_pattern = "caja/extensions-2.0/libtavrin-menu.so"
     arguments = ("--no-desktop",)
     settings = {"org/mate/caja/preferences": {"default-folder-viewer": "'list-view'"}}
     has_emblems = True
+    key_of_icons = "ctrl+1"
+    key_of_list = "ctrl+2"
 
 
 class Thunar(Gtk3Manager):
     name = "thunar"
     module_place = ("thunarx-3", "extensionsdir")
-    module_pattern = "thunarx-3/*.so"
+    module_pattern = "thunarx-3/libtavrin-menu.so"
+    key_of_list = "ctrl+2"
 
     def prepare_view(self):
         super().prepare_view()
         # It comes up with icons, whose places it does not tell, whatever was shown before.
         poll(lambda: search(self.application, lambda child, role: role == "directory pane"
                             and child.name == "Icon view", leaves=BARS), "the icons")
-        self.key("ctrl+2")
+        self.key(self.key_of_list)
 
 
 class Nautilus(FileManager):
@@ -87,12 +92,36 @@ class Nautilus(FileManager):
 
     name = "nautilus"
     module_place = ("libnautilus-extension-4", "extensiondir")
-    module_pattern = "nautilus/extensions-4/*.so"
+    module_pattern = "nautilus/extensions-4/libtavrin-menu.so"
     arguments = ("--new-window",)
     settings = {"org/gnome/nautilus/preferences": {"default-folder-viewer": "'list-view'"}}
     has_emblems = True
     key_into_submenu = "Return"
     opens_submenus_by_click = True
+    patience = 5.0
+
+    def choose(self, *path):
+        """It may make an open menu anew, as it learns more of the files, and then loses a click."""
+        try:
+            super().choose(*path)
+        except (AssertionError, Gone):
+            shown = titles(self.menu())
+            if not shown:
+                raise
+            super().choose(*(path[-1:] if shown[0] == path[0] else path))
+
+    def open_menu_at(self, point):
+        """It may lose a click that comes while it makes its menus anew."""
+        try:
+            return super().open_menu_at(point)
+        except AssertionError:
+            return super().open_menu_at(point)
+
+    def open_submenu(self, entry):
+        try:
+            return super().open_submenu(entry)
+        except (AssertionError, Gone):
+            return super().open_submenu(self.entry(entry.title, self.menu()))
 
     def _frame(self):
         return self.application.children[0]
@@ -159,7 +188,9 @@ class Nautilus(FileManager):
         def fits(child, _role):
             inner = child.children
             return (len(inner) == 2 and inner[0].role in self.item_roles
-                    and inner[0].name == parent.title and inner[1].role not in self.item_roles)
+                    and inner[0] != parent.item
+                    and MenuEntry(inner[0]).title == parent.title
+                    and inner[1].role not in self.item_roles)
         popover, _ = self._open_popover()
         return search(popover, fits, leaves=self.item_roles)
 
@@ -170,7 +201,7 @@ class Nautilus(FileManager):
     def shown_submenu(self, parent):
         return self.entries(self._page(parent))[1:]
 
-    def middle(self, entry):
+    def _middle(self, entry):
         popover, window = self._open_popover()
         left, top = self._origin(window, popover)
         x, y = entry.item.middle
@@ -179,7 +210,7 @@ class Nautilus(FileManager):
 
 class Dolphin(FileManager):
     name = "dolphin"
-    module_pattern = "kf5/kfileitemaction/*.so"
+    module_pattern = "kf5/kfileitemaction/libtavrin-menu.so"
     trash_location = "trash:/"
     knows_background = False
     opens_submenus_by_click = True
@@ -222,7 +253,7 @@ class Dolphin(FileManager):
         that pop up. Items that were in an earlier menu too tell nothing.
         """
         self.key("Down")
-        return self.menu()
+        return self.whole_menu()
 
     def menu(self):
         if not self._popups():

@@ -42,17 +42,22 @@ class MenuTest(HostTest):
         self._make_files()
         self.configure()
 
+    def id(self):
+        """Says where the test ran, for the picture of a failure."""
+        return super().id().replace("__main__", getattr(self.manager_class, "name", ""))
+
     def tearDown(self):
         super().tearDown()
-        self.assertTrue(self.manager.is_alive(), "the file manager has ended")
+        self.assertFalse(self.manager.has_ended(), "the file manager has ended")
 
     def _show_failure(self):
         super()._show_failure()
         result = self._outcome.result
         if any(self in (test, getattr(test, "test_case", None))
                for test, _ in result.failures + result.errors):
-            print("--- log of the file manager", self.session.log_of(self.manager.log_name),
-                  sep="\n", file=sys.stderr)
+            if self.manager.program is not None:
+                print("--- log of the file manager", self.session.log_of(self.manager.log_name),
+                      sep="\n", file=sys.stderr)
 
     def _add_accessibility(self):
         shutil.copy("/usr/share/dbus-1/services/org.a11y.Bus.service", self.session.services)
@@ -75,10 +80,13 @@ class MenuTest(HostTest):
         self.picture = self.here / "picture.png"
         subprocess.run(["convert", "-size", "16x16", "xc:teal", self.picture], check=True)
 
+    def default_settings(self):
+        path = BUILD_DIR / "share" / "tavrin" / "DefaultPreferences.plist"
+        return plistlib.loads(path.read_bytes())
+
     def settings(self):
         """The settings that the menu is made from, with lists short enough to be seen whole."""
-        defaults = plistlib.loads(
-            (BUILD_DIR / "share" / "tavrin" / "DefaultPreferences.plist").read_bytes())
+        defaults = self.default_settings()
         folders = [{"displayName": "Archive", "realPath": str(self.archive), "enable": 1}]
         switches = {key: value for key, value in defaults.items() if isinstance(value, bool)}
         return switches | {

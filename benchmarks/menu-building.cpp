@@ -102,8 +102,13 @@ void measure(std::size_t rowCount, std::size_t itemCount) {
   store(*suite, rowCount);
   const std::string folder = userConfigDirectory() + "/" + identity::groupIdentifier;
   const MenuEnvironment environment{
-      currentAccount().homeDirectory, "/container", translatedText,
-      [](const PropertyList& icon) { return DefaultsReader::digestOf(*icon.dataIfData()); }, false};
+      currentAccount().homeDirectory,
+      "/container",
+      "/resources",
+      [](const std::string& path) { return ::access(path.c_str(), R_OK) == 0; },
+      translatedText,
+      [](const PropertyList& icon) { return DefaultsReader::digestOf(*icon.dataIfData()); },
+      false};
   MenuSettings settings;
   const double opening = medianMilliseconds([&] {
     DefaultsReader reader(folder, log);

@@ -1,5 +1,7 @@
 #include "extensions/common/MenuExtension.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <chrono>
 #include <unordered_set>
@@ -128,6 +130,10 @@ struct MenuExtension::State {
     environment.homePath = currentAccount().homeDirectory;
     environment.containerPath =
         appendingPathComponent(userDataDirectory(), identity::groupIdentifier);
+    environment.resourcesPath = appendingPathComponent(prefix, identity::resourceFolderOfPrefix);
+    environment.isReadable = [](const std::string& path) {
+      return ::access(path.c_str(), R_OK) == 0;
+    };
     environment.localized = translatedText;
     environment.productIcon = identity::applicationId;
     environment.fileOfIcon = [this](const PropertyList& icon) { return icons.fileOfIcon(icon); };

@@ -18,7 +18,11 @@ std::string MenuIcons::fileOfIcon(const PropertyList& icon) {
   if (data == nullptr || data->empty()) return {};
   const std::string digest = DefaultsReader::digestOf(*data);
   std::string path = appendingPathComponent(folder_, digest + ".png");
-  if (::access(path.c_str(), R_OK) == 0) return path;
+  if (::access(path.c_str(), R_OK) == 0) {
+    // It may be removed while the menu does not have the icon.
+    asked_.erase(digest);
+    return path;
+  }
   isMissing_ = asked_.insert(digest).second || isMissing_;
   return {};
 }
@@ -26,8 +30,10 @@ std::string MenuIcons::fileOfIcon(const PropertyList& icon) {
 void MenuIcons::makeMissing(std::function<void()> made) {
   if (!std::exchange(isMissing_, false)) return;
   runHelperProgram({program_, folder_}, {},
-                   [made = std::move(made), alive = std::weak_ptr(alive_)](bool succeeded) {
-                     if (succeeded && !alive.expired()) made();
+                   [this, made = std::move(made), alive = std::weak_ptr(alive_)](bool succeeded) {
+                     if (alive.expired()) return;
+                     if (succeeded) return made();
+                     asked_.clear();
                    });
 }
 

@@ -1,5 +1,6 @@
 #include "menu/MenuSettings.h"
 
+#include <unordered_map>
 #include <utility>
 
 #include "foundation/ActionNames.h"
@@ -38,8 +39,9 @@ const std::array<const char*, 20> menuSettingsKeys{
 
 namespace {
 
-/// The icon of the theme that stands for folders.
+// Icons of the theme (Icon Naming Specification).
 constexpr const char* folderIcon = "folder";
+constexpr const char* fileIcon = "text-x-generic";
 
 class Reader {
  public:
@@ -84,13 +86,26 @@ class Reader {
     return array == nullptr ? none : *array;
   }
 
-  std::string templateImage(const char* folder, const std::string& name) const {
+  /// The path of an image that can be shown; "" when there is none.
+  std::string templateImage(const char* folder, const std::string& name) {
     if (name.empty() || name.find('/') != name.npos) return {};
-    return appendingPathComponent(appendingPathComponent(environment_.containerPath, folder),
-                                  name + ".png");
+    const auto [known, isNew] = images_.try_emplace(std::string(folder) + '/' + name);
+    if (!isNew) return known->second;
+    for (const std::string& place :
+         {appendingPathComponent(environment_.containerPath, folder), environment_.resourcesPath}) {
+      const std::string path = appendingPathComponent(place, name + ".png");
+      if (environment_.isReadable(path)) return known->second = path;
+    }
+    return {};
   }
 
-  std::string submenuIcon(const char* iconSwitch, const char* name) const {
+  std::string commandImage(const std::string& command) {
+    const bool isPinning = command.find(command_name::snapvane) != command.npos;
+    return templateImage(template_folder::othersMenuItemIcon,
+                         isPinning ? command_name::snapvane : command);
+  }
+
+  std::string submenuIcon(const char* iconSwitch, const char* name) {
     return isOn(iconSwitch) ? templateImage(template_folder::functionIcon, name) : std::string();
   }
 
@@ -106,6 +121,7 @@ class Reader {
       MenuItem item;
       item.title = menuTitle(titleOfRow(row, record_field::modified, environment_.localized));
       if (hasIcons) item.icon = templateImage(template_folder::createNewFile, extension);
+      if (hasIcons && item.icon.empty()) item.icon = fileIcon;
       item.action = action_name::createNewFile;
       item.keys.emplace(request_key::tag, tag++);
       if (extension.empty() && !asking) asking = item;
@@ -230,9 +246,7 @@ class Reader {
       command.name = row.stringForKey(record_field::action);
       command.title =
           menuTitle(titleOfRow(row, record_field::nameModified, environment_.localized));
-      if (hasIcons) {
-        command.icon = templateImage(template_folder::othersMenuItemIcon, command.name);
-      }
+      if (hasIcons) command.icon = commandImage(command.name);
       if (command.title.empty() || !isAvailable(command)) continue;
       // What asks before it acts has an ellipsis.
       if (command.name == command_name::deleteDirectly &&
@@ -260,6 +274,8 @@ class Reader {
   const PropertyList::Dictionary& suite_;
   const MenuEnvironment& environment_;
   MenuSettings settings_;
+  /// By folder and name.
+  std::unordered_map<std::string, std::string> images_;
 };
 
 }  // namespace

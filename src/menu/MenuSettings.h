@@ -20,6 +20,9 @@ struct MenuEnvironment {
   std::string homePath;
   /// The group's container; it has the images of the menu.
   std::string containerPath;
+  /// The product's own images, for those that the container lacks.
+  std::string resourcesPath;
+  std::function<bool(const std::string& path)> isReadable;
   Localization localized;
   /// The path of an image file that shows the icon which a record's data stands for; "" when there
   /// is none.

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -104,8 +105,12 @@ class MenuFixture : public testing::Test {
   }
 
   PropertyList::Dictionary suite;
+  /// The images that are not there.
+  std::set<std::string> missing;
   MenuEnvironment environment{"/home/ann",
                               "/container",
+                              "/resources",
+                              [this](const std::string& path) { return !missing.contains(path); },
                               [](const std::string& key) { return key.empty() ? key : "*" + key; },
                               [](const PropertyList& icon) {
                                 return "/icons/" + std::to_string(icon.dataIfData()->size());

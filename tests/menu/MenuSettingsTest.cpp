@@ -117,10 +117,25 @@ TEST_F(MenuSettingsTest, ImagesFollowTheirSwitches) {
                           "enableIconOfCustomIcon", "enableIconOfOthers"}) {
     set(key, true);
   }
-  EXPECT_THAT(icons(), ElementsAre("/container/Templates/CreateNewFile/txt.png",
+  EXPECT_THAT(icons(), ElementsAre("/container/Templates/CreateNewFile/txt.png", "text-x-generic",
                                    "/container/Templates/FunctionIcon/copyFilesTo.png", "folder",
                                    "/container/Templates/FunctionIcon/customIcon.png", "/icons/1",
                                    "product", "/container/Templates/OthersMenuItemIcon/Cut.png"));
+}
+
+TEST_F(MenuSettingsTest, AnImageThatIsNotThereHasAnother) {
+  set("enableIconOfOthers", true);
+  set("enableIconOfCreateNewFile", true);
+  set("arrOfOthers", Rows{commandRow("Cut"), commandRow("Pin by Snapvane")});
+  set("arrOfCreateNewFile", Rows{fileRow("Text", "txt", 1), fileRow("Mine", "mine", 1)});
+  missing = {"/container/Templates/CreateNewFile/txt.png",
+             "/container/Templates/CreateNewFile/mine.png", "/resources/mine.png",
+             "/container/Templates/OthersMenuItemIcon/Snapvane.png"};
+  const Menu folder = folderMenu();
+  EXPECT_EQ(find(folder, "*Text").icon, "/resources/txt.png");
+  EXPECT_EQ(find(folder, "*Mine").icon, "text-x-generic");
+  const Menu items = itemsMenu({{"file:///a.png", false, "image/png"}});
+  EXPECT_EQ(find(items, "*Pin by Snapvane").icon, "/resources/Snapvane.png");
 }
 
 TEST_F(MenuSettingsTest, ALongListIsCutOff) {

@@ -48,16 +48,23 @@ void complain(const std::string& message) {
 /// Makes the image of one icon where it is missing.
 void ensureImage(const PropertyList::Data& icon, const std::string& path) {
   std::string mistake;
-  if (std::filesystem::exists(path)) return;
+  std::error_code unknown;
+  if (std::filesystem::exists(path, unknown)) return;
   const auto png = menuIcon(icon, mistake);
   if (!png || !icons::replaceFile(path, *png, mistake)) complain(mistake);
+}
+
+bool isNameOfImage(const std::string& name) {
+  static constexpr std::size_t digits = 64;
+  return name.size() == digits + 4 && name.ends_with(".png") &&
+         name.find_first_not_of("0123456789abcdef") == digits;
 }
 
 void removeOthers(const std::string& folder, const std::set<std::string>& names) {
   std::error_code failure;
   for (const auto& entry : std::filesystem::directory_iterator(folder, failure)) {
     const std::string name = entry.path().filename().string();
-    if (name.ends_with(".png") && !names.contains(name)) {
+    if (isNameOfImage(name) && !names.contains(name)) {
       std::filesystem::remove(entry.path(), failure);
     }
   }
@@ -66,6 +73,10 @@ void removeOthers(const std::string& folder, const std::set<std::string>& names)
 
 int makeImages(const std::string& folder) {
   LinuxLog log;
+  if (std::filesystem::is_symlink(folder)) {
+    complain(folder + " is a link");
+    return EXIT_FAILURE;
+  }
   if (const auto made = openPrivateFolder(folder); !made) {
     complain(made.error().describe());
     return EXIT_FAILURE;

@@ -16,6 +16,7 @@ constexpr int patienceInMilliseconds = 20;
 
 /// Precedes a digest that stands in the place of data.
 constexpr std::string_view digestMark = "sha256:";
+constexpr std::size_t digestSize = 32;
 
 PropertyList::Data standIn(std::string_view digest) {
   PropertyList::Data data(digestMark.begin(), digestMark.end());
@@ -41,7 +42,9 @@ DefaultsReader::DefaultsReader(std::string folder, Log& log)
 
 std::string DefaultsReader::digestOf(const PropertyList::Data& data) {
   const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
-  if (text.starts_with(digestMark)) return hexadecimal(text.substr(digestMark.size()));
+  if (text.starts_with(digestMark) && text.size() == digestMark.size() + digestSize) {
+    return hexadecimal(text.substr(digestMark.size()));
+  }
   char* digest = g_compute_checksum_for_data(G_CHECKSUM_SHA256, data.data(), data.size());
   std::string result(digest);
   g_free(digest);
@@ -50,7 +53,20 @@ std::string DefaultsReader::digestOf(const PropertyList::Data& data) {
 
 bool DefaultsReader::hasChanged() {
   if (seenFile_ != file_.identity()) return true;
-  return connection_.isOpen() ? version() != seenVersion_ : times() != seenTimes_;
+  if (!connection_.isOpen()) return times() != seenTimes_;
+  return seenLog_ != log() || version() != seenVersion_;
+}
+
+/// Whatever part of this process reads the database's file takes the connection's lock away (POSIX,
+/// fcntl), so that others may remove the files which the connection goes on to look at.
+std::string DefaultsReader::log() const {
+  std::string text;
+  for (const char* suffix : {"-wal", "-shm"}) {
+    struct stat status {};
+    const bool isThere = ::stat((file_.path() + suffix).c_str(), &status) == 0;
+    text += isThere ? std::to_string(status.st_ino) + ' ' : "none ";
+  }
+  return text;
 }
 
 std::string DefaultsReader::times() const {
@@ -67,7 +83,7 @@ std::int64_t DefaultsReader::version() {
 
 bool DefaultsReader::open() {
   const DefaultsFile::Identity identity = file_.identity();
-  if (connection_.isOpen() && seenFile_ == identity) return true;
+  if (connection_.isOpen() && seenFile_ == identity && seenLog_ == log()) return true;
   connection_.close();
   seenFile_ = identity;
   seenTimes_ = times();
@@ -90,6 +106,7 @@ std::optional<PropertyList::Dictionary> DefaultsReader::read(std::span<const cha
   connection_.execute("ROLLBACK");
   if (values) {
     seenVersion_ = versionBefore;
+    seenLog_ = log();
     return values;
   }
   const bool isBusy = status == SQLITE_BUSY || status == SQLITE_LOCKED;

@@ -36,6 +36,7 @@ class DefaultsReader {
   bool open();
   std::int64_t version();
   std::string times() const;
+  std::string log() const;
   std::optional<PropertyList> value(const char* key);
   std::optional<PropertyList::Dictionary> readOpened(std::span<const char* const> keys);
 
@@ -45,6 +46,8 @@ class DefaultsReader {
   /// What the last answer was about.
   std::optional<DefaultsFile::Identity> seenFile_;
   std::int64_t seenVersion_ = 0;
+  /// Which files stood beside the database after it was read.
+  std::string seenLog_;
   /// Of a file that could not be read.
   std::string seenTimes_;
 };

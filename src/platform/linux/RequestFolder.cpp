@@ -1,5 +1,6 @@
 #include "platform/linux/RequestFolder.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -7,6 +8,8 @@
 
 #include <array>
 #include <cstdio>
+#include <ctime>
+#include <string_view>
 #include <utility>
 
 #include "foundation/PathString.h"
@@ -93,12 +96,34 @@ Result<OpenedFolder> openRequestFolder() {
   return openOwnFolder(program.value(), requestsName);
 }
 
+constexpr std::string_view namePrefix = "request-";
+
+/// Files that their senders have left, because they ended before the host answered.
+void removeForgotten(const OpenedFolder& folder) {
+  constexpr std::time_t oldAge = 10 * 60;
+  DIR* listing = ::fdopendir(::openat(folder.descriptor.get(), ".", O_RDONLY | O_CLOEXEC));
+  if (listing == nullptr) return;
+  const std::time_t now = std::time(nullptr);
+  // NOLINTNEXTLINE(concurrency-mt-unsafe): the listing is this call's own
+  while (const dirent* entry = ::readdir(listing)) {
+    struct stat status {};
+    const bool isRequest = std::string_view(entry->d_name).starts_with(namePrefix);
+    if (!isRequest ||
+        ::fstatat(folder.descriptor.get(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+      continue;
+    }
+    const bool isForgotten = S_ISREG(status.st_mode) && now - status.st_mtim.tv_sec > oldAge;
+    if (isForgotten) ::unlinkat(folder.descriptor.get(), entry->d_name, 0);
+  }
+  ::closedir(listing);
+}
+
 std::string randomName() {
   std::uint64_t number = 0;
   // Of eight bytes the kernel never gives fewer; a taken name is tried again either way.
   [[maybe_unused]] const ssize_t count = ::getrandom(&number, sizeof number, 0);
   std::array<char, 40> name{};
-  std::snprintf(name.data(), name.size(), "request-%016llx.plist",
+  std::snprintf(name.data(), name.size(), "%s%016llx.plist", namePrefix.data(),
                 static_cast<unsigned long long>(number));
   return name.data();
 }
@@ -151,6 +176,7 @@ Result<RequestFile> writeRequestFile(const PropertyList& request) {
   }
   auto folder = openRequestFolder();
   if (!folder) return folder.error();
+  removeForgotten(folder.value());
   std::string name;
   const auto file = createFile(folder.value(), name);
   if (!file) return file.error();

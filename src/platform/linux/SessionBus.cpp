@@ -8,6 +8,7 @@ namespace {
 
 std::errc causeOf(const GLibError& error) {
   if (error.matches(G_IO_ERROR, G_IO_ERROR_TIMED_OUT) ||
+      error.matches(G_IO_ERROR, G_IO_ERROR_CANCELLED) ||
       error.matches(G_DBUS_ERROR, G_DBUS_ERROR_TIMEOUT)) {
     return std::errc::timed_out;
   }
@@ -16,6 +17,46 @@ std::errc causeOf(const GLibError& error) {
     return std::errc::no_such_device_or_address;
   }
   return std::errc::connection_refused;
+}
+
+constexpr guint patienceInSeconds = 10;
+
+/// A connection that is being made, in a main context of its own.
+struct Connecting {
+  GLibPointer<GMainContext> context{g_main_context_new()};
+  GLibPointer<GMainLoop> loop{g_main_loop_new(context.get(), FALSE)};
+  GObjectPointer<GCancellable> cancellable{g_cancellable_new()};
+  GDBusConnection* connection = nullptr;
+  GLibError error;
+};
+
+void connected(GObject*, GAsyncResult* result, gpointer data) {
+  auto* connecting = static_cast<Connecting*>(data);
+  connecting->connection =
+      g_dbus_connection_new_for_address_finish(result, connecting->error.slot());
+  g_main_loop_quit(connecting->loop.get());
+}
+
+gboolean giveUp(gpointer data) {
+  g_cancellable_cancel(static_cast<Connecting*>(data)->cancellable.get());
+  return G_SOURCE_REMOVE;
+}
+
+/// Runs until the connection is made, refused or given up.
+void connect(Connecting& connecting, const char* address) {
+  const auto flags =
+      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
+  g_main_context_push_thread_default(connecting.context.get());
+  GSource* limit = g_timeout_source_new_seconds(patienceInSeconds);
+  g_source_set_callback(limit, giveUp, &connecting, nullptr);
+  g_source_attach(limit, connecting.context.get());
+  g_dbus_connection_new_for_address(address, flags, nullptr, connecting.cancellable.get(),
+                                    connected, &connecting);
+  g_main_loop_run(connecting.loop.get());
+  g_source_destroy(limit);
+  g_source_unref(limit);
+  g_main_context_pop_thread_default(connecting.context.get());
 }
 
 }  // namespace
@@ -29,13 +70,10 @@ Result<std::shared_ptr<GDBusConnection>> connectToSessionBus() {
   const GLibPointer<char> address(
       g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, error.slot()));
   if (!address) return busError("find the session bus", error);
-  const auto flags =
-      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-  GDBusConnection* connection =
-      g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, error.slot());
-  if (connection == nullptr) return busError("reach the session bus", error);
-  return std::shared_ptr<GDBusConnection>(connection, [](GDBusConnection* open) {
+  Connecting connecting;
+  connect(connecting, address.get());
+  if (connecting.connection == nullptr) return busError("reach the session bus", connecting.error);
+  return std::shared_ptr<GDBusConnection>(connecting.connection, [](GDBusConnection* open) {
     g_dbus_connection_close_sync(open, nullptr, nullptr);
     g_object_unref(open);
   });

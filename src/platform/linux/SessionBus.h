@@ -11,7 +11,7 @@ namespace tavrin {
 
 /// A connection to the session bus for this caller alone, which closes with the last owner. The
 /// process's shared one would end a process that did not make it itself when the bus goes. Waits
-/// for the bus; any thread may call it.
+/// for the bus, ten seconds at most; any thread may call it.
 Result<std::shared_ptr<GDBusConnection>> connectToSessionBus();
 
 /// The reason of a call on the bus that failed: timed_out, no_such_device_or_address for a service

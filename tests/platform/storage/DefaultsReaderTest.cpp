@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 #include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <filesystem>
@@ -27,6 +29,19 @@ class DefaultsReaderTest : public testing::Test {
     const auto values = reader_.read(keys);
     EXPECT_TRUE(values);
     return last_ = values.value_or(Dictionary());
+  }
+
+  static int writeInAnotherProcess(const char* text) {
+    const pid_t child = ::fork();
+    if (child == 0) {
+      // NOLINTNEXTLINE(concurrency-mt-unsafe): the process has one thread
+      ::execl(TAVRIN_DEFAULTS_TOOL, "tavrin-defaults", "write", "standard", "text", "-string", text,
+              nullptr);
+      ::_exit(127);
+    }
+    int status = -1;
+    ::waitpid(child, &status, 0);
+    return status;
   }
 
   test::ScratchConfiguration configuration_;
@@ -60,6 +75,17 @@ TEST_F(DefaultsReaderTest, readsWhatAProgramThatHasEndedLeft) {
   EXPECT_EQ(current(), Dictionary());
   LinuxUserDefaultsProvider(log_).openStandard()->setObject("new", "text");
   EXPECT_EQ(current(), (Dictionary{{"text", "new"}}));
+}
+
+TEST_F(DefaultsReaderTest, followsEvenWhenItsProcessLosesItsLocks) {
+  { store()->setObject("one", "text"); }
+  EXPECT_EQ(current(), (Dictionary{{"text", "one"}}));
+  // Closing any handle of a file gives up all locks of the process on it.
+  { std::ifstream(configuration_.database()).get(); }
+  for (const char* text : {"two", "three"}) {
+    ASSERT_EQ(writeInAnotherProcess(text), 0);
+    EXPECT_EQ(current(), (Dictionary{{"text", text}}));
+  }
 }
 
 TEST_F(DefaultsReaderTest, leavesLargeDataWhereItIs) {

@@ -147,29 +147,41 @@ struct MenuExtension::State {
     return std::find(off.begin(), off.end(), fileManager.identifier) != off.end();
   }
 
-  /// False when others keep the settings from being read right now.
+  /// Reads the settings. False when they are what they were, and when others keep them from being
+  /// read right now.
   bool readSettings() {
-    const auto values = reader.read(menuSettingsKeys);
-    if (!values) return false;
-    settings = readMenuSettings(*values, environment);
+    auto values = reader.read(menuSettingsKeys);
+    if (!values || *values == read) return false;
+    read = std::move(*values);
+    useSettings();
+    return true;
+  }
+
+  void useSettings() {
+    settings = readMenuSettings(read, environment);
     icons.makeMissing([this] { guarded([this] { newIcons(); }); });
     if (isOff()) settings = {};
-    return true;
   }
 
   /// Reads the settings again if they have changed. The file manager, which may be asking for a
   /// menu right now, is told later.
   void refresh() {
     watch.watch(folder);
-    if (reader.hasChanged() && readSettings()) watch.tellSoon();
+    if (!reader.hasChanged() || !readSettings()) return;
+    isUntold = true;
+    watch.tellSoon();
   }
 
   void newIcons() {
-    if (readSettings()) watch.tellSoon();
+    useSettings();
+    isUntold = true;
+    watch.tellSoon();
   }
 
+  /// Commits that the menu does not care about come here, too.
   void tellChange() {
-    if (reader.hasChanged()) readSettings();
+    if (reader.hasChanged() && readSettings()) isUntold = true;
+    if (!std::exchange(isUntold, false)) return;
     Paths cutNow = pathsOfList(settings.cutItems);
     const std::vector<std::string> items = differences(cutPaths, cutNow);
     cutPaths = std::move(cutNow);
@@ -224,7 +236,10 @@ struct MenuExtension::State {
                              "menu-icons"),
       appendingPathComponent(moduleFolderOf(prefix), "tavrin-menu-icons")};
   MenuEnvironment environment;
+  /// What the settings were made of.
+  PropertyList::Dictionary read;
   MenuSettings settings;
+  bool isUntold = false;
   Paths cutPaths;
   Changed changed;
   SettingsWatch watch{[this] { tellChange(); }};

@@ -2,6 +2,7 @@
 
 #include <glib-object.h>
 
+#include <deque>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -22,7 +23,8 @@ class MenuItems {
 
   /// A list of items, which the caller owns. They may outlive this.
   GList* itemsOf(const std::shared_ptr<const OpenedMenu>& menu) {
-    const auto shown = std::make_shared<Shown>(Shown{menu, &menu->items});
+    keep(menu);
+    const auto shown = std::make_shared<Shown>(Shown{menu, menu, &menu->items});
     std::size_t submenus = 0;
     GList* items = nullptr;
     for (std::size_t index = 0; index < menu->items.size(); ++index) {
@@ -42,7 +44,10 @@ class MenuItems {
 
   /// What items stand for at present.
   struct Shown {
+    /// Null while no item has the submenu.
     std::shared_ptr<const OpenedMenu> menu;
+    /// Of that menu, or of the last one that the submenu was part of.
+    std::weak_ptr<const OpenedMenu> lastMenu;
     const Menu* items;
   };
   struct Click {
@@ -53,7 +58,6 @@ class MenuItems {
   struct Made {
     std::string contents;
     GObjectPointer<Submenu> submenu;
-    /// Without a menu while no item has the submenu.
     std::shared_ptr<Shown> shown;
     /// How many submenus the menu has up to here.
     std::size_t submenus;
@@ -62,12 +66,21 @@ class MenuItems {
   /// More than are open at a time, and than users have rules for.
   static constexpr std::size_t manySubmenus = 64;
 
+  /// A file manager asks anew for both menus of a window when something changes, and may go on to
+  /// show a submenu whose item it has let go.
+  static constexpr std::size_t keptMenus = 4;
+
+  void keep(const std::shared_ptr<const OpenedMenu>& menu) {
+    kept_.push_back(menu);
+    if (kept_.size() > keptMenus) kept_.pop_front();
+  }
+
   GObjectPointer<Item> newParent(const std::shared_ptr<const OpenedMenu>& menu,
                                  const MenuItem& item, std::size_t& submenus) {
     GObjectPointer<Item> parent = newItem(item, parentLabel(item, submenus));
     const Made& made = submenuFor(item, submenus);
     submenus = made.submenus;
-    *made.shown = {menu, &item.submenu};
+    *made.shown = {menu, menu, &item.submenu};
     Manager::setSubmenu(parent.get(), made.submenu.get());
     g_object_set_data_full(G_OBJECT(parent.get()), "tavrin-submenu",
                            new std::shared_ptr<Shown>(made.shown), [](gpointer data) {
@@ -87,7 +100,7 @@ class MenuItems {
     if (made_.size() >= manySubmenus) {
       std::erase_if(made_, [](const Made& made) { return !made.shown->menu; });
     }
-    const auto shown = std::make_shared<Shown>(Shown{nullptr, &item.submenu});
+    const auto shown = std::make_shared<Shown>(Shown{nullptr, {}, &item.submenu});
     GObjectPointer<Submenu> submenu = newSubmenu(shown, item.submenu, {}, submenus);
     return made_.emplace_back(Made{std::move(contents), std::move(submenu), shown, submenus});
   }
@@ -134,7 +147,7 @@ class MenuItems {
   }
 
   static void activate(const Click& click) {
-    const std::shared_ptr<const OpenedMenu> menu = click.shown->menu;
+    const std::shared_ptr<const OpenedMenu> menu = click.shown->lastMenu.lock();
     if (!menu) return;
     const Menu* items = click.shown->items;
     for (std::size_t step = 0; step + 1 < click.path.size(); ++step) {
@@ -145,6 +158,7 @@ class MenuItems {
 
   std::shared_ptr<MenuExtension> extension_;
   std::vector<Made> made_;
+  std::deque<std::shared_ptr<const OpenedMenu>> kept_;
 };
 
 }  // namespace tavrin

@@ -8,7 +8,6 @@
 
 #include "foundation/FileManagers.h"
 #include "foundation/PathString.h"
-#include "platform/linux/LinuxDirectories.h"
 #include "platform/linux/MenuModuleNames.h"
 
 namespace tavrin {
@@ -66,8 +65,7 @@ bool isInstalled(const MenuModule& module, const std::vector<std::string>& libra
 }  // namespace
 
 std::vector<std::string> libraryFolders() {
-  return {appendingPathComponent(programDirectory(), menu_module::libraryFolder),
-          appendingPathComponent("/usr/lib", menu_module::libraryArchitecture), "/usr/lib64",
+  return {appendingPathComponent("/usr/lib", menu_module::libraryArchitecture), "/usr/lib64",
           "/usr/lib"};
 }
 

@@ -6,8 +6,8 @@
 
 namespace tavrin {
 
-/// The folders below which modules are installed: that of this program's libraries, and those of
-/// the distribution's packages.
+/// The folders below which the file managers of the distribution look for modules, wherever this
+/// program itself is installed.
 std::vector<std::string> libraryFolders();
 
 /// Whether the menu's module for a file manager, by its name of file_manager, stands where the file

@@ -2,7 +2,7 @@
 
 import re
 
-from menu_test_case import CHOOSE, COMMANDS, MenuTest, main
+from menu_test_case import COMMANDS, MenuTest, main
 from session import ACCESS_PANEL, APPLICATION_ID, file_url, wait_until
 
 ALERT = "^Tavrin$"

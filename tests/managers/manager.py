@@ -268,6 +268,12 @@ class FileManager:
             self.session.run("xdotool", "keyup", "ctrl")
         return points[-1]
 
+    def select_all(self, name):
+        """Selects all files in view, of which one has that name; returns where that is."""
+        point = self.select(name)
+        self.key("ctrl+a")
+        return point
+
     # Menus
 
     def open_menu(self, *names):

@@ -2,8 +2,7 @@
 
 import time
 
-from menu_test_case import CHOOSE, COMMANDS, PROMPT, MenuTest, main
-from manager import titles
+from menu_test_case import COMMANDS, PROMPT, MenuTest, main
 from session import GROUP, wait_until
 
 MANY = 2000
@@ -125,6 +124,9 @@ class Selections(MenuTest):
         self.start_manager()
         self.manager.go_to(self.manager.trash_location, "gone.txt")
         self.assert_no_menu("gone.txt")
+        # Of Dolphin's own two items there, neither can be read.
+        if not self.manager.knows_background:
+            return
         self.assertLessEqual(set(self.own_titles(self.manager.open_menu())), {"Common Folders"})
         self.manager.close_menu()
 
@@ -133,11 +135,8 @@ class Selections(MenuTest):
         for number in range(MANY):
             (crowd / f"file {number:04}.txt").touch()
         self.start_host()
-        self.start_manager()
-        first = self.manager.point_of(self.manager.first_of(self.here))
-        self.manager.go_to(crowd)
-        time.sleep(3)
-        self.manager.key("ctrl+a")
+        self.start_manager(crowd)
+        first = self.manager.select_all("file 0000.txt")
         started = time.monotonic()
         entries = self.manager.open_menu_at(first)
         seconds = time.monotonic() - started

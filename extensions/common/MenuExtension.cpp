@@ -53,9 +53,11 @@ std::vector<std::string> pathsOf(const SelectedItems& items) {
   return paths;
 }
 
+/// The items that are marked; none of a list that would keep the windows waiting.
 Paths pathsOfList(const std::string& list) {
+  constexpr std::size_t mostBytes = 1U << 20U;
   Paths paths;
-  if (list.empty()) return paths;
+  if (list.empty() || list.size() > mostBytes) return paths;
   for (const std::string_view uri : splitFileList(list)) {
     if (const auto url = FileURL::urlWithString(uri)) paths.insert(url->path());
   }
@@ -100,7 +102,11 @@ void tellOutcome(const Status& sent) {
     return showMessage(
         translatable("Tavrin cannot be started. The command has not been carried out."));
   }
-  showMessage(translatable("Tavrin cannot be reached. The command has not been carried out."));
+  if (sent.error().code == std::errc::connection_refused) {
+    return showMessage(
+        translatable("Tavrin cannot be reached. The command has not been carried out."));
+  }
+  showMessage(translatable("The command cannot be carried out for this selection."));
 }
 
 std::map<std::string, std::string> environmentWithToken(const std::string& token) {

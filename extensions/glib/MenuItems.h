@@ -66,9 +66,9 @@ class MenuItems {
   /// More than are open at a time, and than users have rules for.
   static constexpr std::size_t manySubmenus = 64;
 
-  /// A file manager asks anew for both menus of a window when something changes, and may go on to
-  /// show a submenu whose item it has let go.
-  static constexpr std::size_t keptMenus = 4;
+  /// A file manager asks anew for both menus of each window when something changes, and may go on
+  /// to show a submenu whose item it has let go.
+  static constexpr std::size_t keptMenus = 16;
 
   void keep(const std::shared_ptr<const OpenedMenu>& menu) {
     kept_.push_back(menu);

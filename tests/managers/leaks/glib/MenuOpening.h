@@ -132,7 +132,7 @@ class MenuOpening {
   enum class Submenus { Free, Forget };
 
   /// For submenus that are still shown when their menu has gone.
-  static constexpr unsigned keptMenus = 4;
+  static constexpr unsigned keptMenus = 16;
 
   void open(Submenus submenus) {
     GList* selection = g_list_append(nullptr, file_);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "foundation/FileURL.h"
@@ -82,7 +83,9 @@ std::optional<MenuItem> itemForSelection(const CommandRow& row, const CommandRul
       return std::nullopt;
     case Items::All:
       item.subject = Subject::Items;
-      if (rule.itemsAction != menu_action::copyPath && !selection.fitList) return std::nullopt;
+      if (!selection.fitList && rule.itemsAction != std::string_view(menu_action::copyPath)) {
+        return std::nullopt;
+      }
       return item;
     case Items::Few: {
       const auto areFolders = selection.areFew() ? selection.areFolders() : std::nullopt;

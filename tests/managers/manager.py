@@ -207,9 +207,6 @@ class FileManager:
         if item is not None:
             self.wait_for_item(item)
 
-    def reload(self):
-        self.key("F5")
-
     def find_item(self, name):
         """The object of a file in the view; nothing when there is none."""
         raise NotImplementedError

@@ -117,8 +117,8 @@ class Selections(MenuTest):
 
     def test_the_trash_has_no_commands_on_files(self):
         trash = self.session.data / "Trash"
-        for name, content in (("files/gone.txt", "gone"), ("info/gone.txt.trashinfo",
-                              "[Trash Info]\nPath=/tmp/gone.txt\nDeletionDate=2026-01-01T00:00:00\n")):
+        about = "[Trash Info]\nPath=/tmp/gone.txt\nDeletionDate=2026-01-01T00:00:00\n"
+        for name, content in (("files/gone.txt", "gone"), ("info/gone.txt.trashinfo", about)):
             (trash / name).parent.mkdir(parents=True, exist_ok=True)
             (trash / name).write_text(content)
         self.start_manager()

@@ -53,7 +53,6 @@ class Looks(MenuTest):
         self.assertEqual(self.red_pixels(), 0)
         self.cut("alpha.txt")
         one = self.wait_for_emblems(A_FEW)
-        self.session.screenshot(f"emblem-{self.manager.name}")
         self.cut("alpha.txt", "notes.txt")
         self.wait_for_emblems(one * 2)
         self.cut("notes.txt")
@@ -73,6 +72,7 @@ class Looks(MenuTest):
         wait_until(lambda: least <= self.red_pixels() < (below or least * 100),
                    f"emblems of {least} pixels")
         found = self.red_pixels()
+        self.session.screenshot(f"emblem-{self.manager.name}")
         if self.manager.key_of_list:
             self.manager.key(self.manager.key_of_list)
             self.manager.prepare_view()

@@ -221,6 +221,8 @@ class Dolphin(FileManager):
         environment["QT_PLUGIN_PATH"] = str(plugins)
         if is_dark:
             environment["QT_STYLE_OVERRIDE"] = "Adwaita-Dark"
+            (self.session.config / "kdeglobals").write_text(
+                "[Colors:View]\nBackgroundNormal=35,38,41\nForegroundNormal=239,240,241\n")
         return environment
 
     def in_namespace(self, command):

@@ -191,18 +191,22 @@ class Nautilus(FileManager):
                     and inner[0] != parent.item
                     and MenuEntry(inner[0]).title == parent.title
                     and inner[1].role not in self.item_roles)
-        popover, _ = self._open_popover()
-        return search(popover, fits, leaves=self.item_roles)
+        opened = self._open_popover()
+        return search(opened[0], fits, leaves=self.item_roles) if opened else None
 
     def submenu(self, entry):
         page = self._page(entry)
         return [] if page is None else self._items(page)[1:]
 
     def shown_submenu(self, parent):
-        return self.entries(self._page(parent))[1:]
+        page = self._page(parent)
+        return [] if page is None else self.entries(page)[1:]
 
     def _middle(self, entry):
-        popover, window = self._open_popover()
+        opened = self._open_popover()
+        if opened is None:
+            raise Gone(f"the menu of {entry}")
+        popover, window = opened
         left, top = self._origin(window, popover)
         x, y = entry.item.middle
         return left + x, top + y

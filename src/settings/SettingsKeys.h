@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "foundation/FileManagers.h"
-
 #include "settings/CommandNames.h"
 
 /// The names that the settings are stored under. Other programs read them: none may change.

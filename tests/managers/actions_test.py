@@ -33,13 +33,13 @@ class Actions(MenuTest):
     def test_several_files_are_copied_and_moved_to_a_listed_folder(self):
         self.start_host()
         self.start_manager()
-        self.choose(("alpha.txt", "notes.txt", "project"), "Copy to", "Archive")
+        self.choose(("alpha.txt", "notes.txt", "project"), "Copy to Folder", "Archive")
         names = ["alpha.txt", "notes.txt", "project"]
         wait_until(lambda: self.names_in(self.archive) == names, "the copies")
         self.assertEqual((self.archive / "notes.txt").read_text(), "notes.txt")
         self.assertTrue((self.here / "alpha.txt").exists())
         self.manager.open_menu("beta.txt")
-        self.manager.choose_by_keys("Move to", "Archive")
+        self.manager.choose_by_keys("Move to Folder", "Archive")
         wait_until(lambda: "beta.txt" in self.names_in(self.archive), "the move")
         wait_until(lambda: not (self.here / "beta.txt").exists(), "the file to leave")
         self.manager.wait_for_no_item("beta.txt")

@@ -12,7 +12,7 @@ class NoHost(MenuTest):
     def choose_and_go_on(self):
         """Clicks on an item that needs the host; the file manager answers to the next clicks."""
         self.manager.open_menu("alpha.txt")
-        self.manager.choose("Copy to", "Archive")
+        self.manager.choose("Copy to Folder", "Archive")
         started = time.monotonic()
         self.manager.open_menu("beta.txt")
         self.assertLess(time.monotonic() - started, PROMPT)

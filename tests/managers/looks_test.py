@@ -19,7 +19,7 @@ class Looks(MenuTest):
         for is_dark, look in ((False, "light"), (True, "dark")):
             self.start_manager(is_dark=is_dark)
             self.picture_submenu(f"{look}-file", COMMANDS, "alpha.txt")
-            self.picture_submenu(f"{look}-files", "Copy to", "alpha.txt", "notes.txt")
+            self.picture_submenu(f"{look}-files", "Copy to Folder", "alpha.txt", "notes.txt")
             self.picture_submenu(f"{look}-icon", "Set Icon", "project")
             self.picture_submenu(f"{look}-folder", "New File")
             self.assertEqual(self.brightness() < 0.5, is_dark)

@@ -113,9 +113,16 @@ class MenuTest(HostTest):
     # The menu
 
     def choose(self, names, *path):
-        """Opens the menu of files, or of the folder in view, and clicks on one of its items."""
-        self.manager.open_menu(*names)
-        self.manager.choose(*path)
+        """Opens the menu of files, or of the folder in view, and clicks on one of its items. A
+        manager that makes an open menu anew may lose a click; a person tries again.
+        """
+        try:
+            self.manager.open_menu(*names)
+            self.manager.choose(*path)
+        except AssertionError:
+            self.manager.close_menu()
+            self.manager.open_menu(*names)
+            self.manager.choose(*path)
 
     def own_titles(self, entries):
         """The titles of the items of Tavrin, without their submenus'."""
@@ -123,7 +130,7 @@ class MenuTest(HostTest):
         own = [title for title in shown if title in (
             "Plain Text", "Markdown", "New File", "Set Icon", "Common Folders", COMMANDS)]
         for entry in entries:
-            if entry.title in ("Copy to", "Move to"):
+            if entry.title in ("Copy to Folder", "Move to Folder"):
                 if CHOOSE in titles(self.manager.submenu(entry)):
                     own.append(entry.title)
         return sorted(own)

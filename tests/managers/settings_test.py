@@ -21,7 +21,7 @@ WRONG = {
     "enableMoveFilesTo": [],
 }
 
-FILE_MENU = ["Copy to", "Move to", COMMANDS]
+FILE_MENU = ["Copy to Folder", "Move to Folder", COMMANDS]
 FOLDER_MENU = ["Common Folders", "Markdown", "New File", "Plain Text", COMMANDS]
 
 
@@ -30,7 +30,7 @@ class Settings(MenuTest):
         """The titles in the menu of a folder in view."""
         if self.manager.knows_background:
             return FOLDER_MENU
-        return sorted(FOLDER_MENU + ["Copy to", "Move to"])
+        return sorted(FOLDER_MENU + ["Copy to Folder", "Move to Folder"])
 
     def assert_menu(self, expected, *names):
         self.assertEqual(self.own_titles(self.manager.open_menu(*names)), sorted(expected))
@@ -51,10 +51,10 @@ class Settings(MenuTest):
         self.start_manager()
         self.assert_menu(FILE_MENU, "alpha.txt")
         self.write_group("enableCopyFilesTo", "-bool", "false")
-        self.assert_menu(["Move to", COMMANDS], "alpha.txt")
+        self.assert_menu(["Move to Folder", COMMANDS], "alpha.txt")
         self.write_group("enableCommonPath", "-bool", "false")
         self.assert_menu([title for title in self.folder_menu()
-                          if title not in ("Common Folders", "Copy to")])
+                          if title not in ("Common Folders", "Copy to Folder")])
         # The file stays selected: nobody asks for its items but because the settings tell.
         self.write_group("enableCopyFilesTo", "-bool", "true")
         self.assert_menu(FILE_MENU, "alpha.txt")
@@ -65,7 +65,7 @@ class Settings(MenuTest):
         self.switch("enableMoveFilesTo", False)
         wait_until(lambda: not self.session.export_domain("group")["enableMoveFilesTo"],
                    "the host to carry the switch over")
-        self.assertNotIn("Move to", self.own_titles(self.manager.open_menu("alpha.txt")))
+        self.assertNotIn("Move to Folder", self.own_titles(self.manager.open_menu("alpha.txt")))
         self.manager.close_menu()
 
     def test_it_can_be_switched_off_for_one_file_manager(self):
@@ -86,7 +86,7 @@ class Settings(MenuTest):
         self.start_manager()
         self.assert_no_menu("alpha.txt")
         self.session.import_domain("group", WRONG)
-        self.assert_menu(["Copy to"], "alpha.txt")
+        self.assert_menu(["Copy to Folder"], "alpha.txt")
         database.write_bytes(b"no database " * 1000)
         self.own_titles(self.manager.open_menu("alpha.txt"))
         self.manager.close_menu()
@@ -143,7 +143,7 @@ class Selections(MenuTest):
         self.assertEqual(self.own_titles(entries), FILE_MENU)
         print(f"{seconds:.1f} s", end=" ")
         self.assertLess(seconds, PROMPT)
-        self.manager.choose("Copy to", "Archive")
+        self.manager.choose("Copy to Folder", "Archive")
         wait_until(lambda: len(self.names_in(self.archive)) == MANY, "the copies")
 
 

@@ -139,7 +139,7 @@ TEST_F(MenuBuilding, AFolderOfEitherMenuHasBoth) {
   const Menu menu = eitherMenu("file:///data/dir");
   EXPECT_THAT(
       titles(menu),
-      testing::IsSupersetOf({"*Page", "*New File/*Text", "*Copy to/*Downloads", "*Set Icon/*Blue",
+      testing::IsSupersetOf({"*Page", "*New File/*Text", "*Copy to Folder/*Downloads", "*Set Icon/*Blue",
                              "*Common Folders/data", "*Tavrin/*Cut", "*Tavrin/*Paste",
                              "*Tavrin/*Hidden All Files in Path", "*Tavrin/*Delete directly"}));
   const auto all = titles(menu);

@@ -67,7 +67,7 @@ class MenuFixture : public testing::Test {
                                ListedItems({{uri, true, "inode/directory"}}));
   }
 
-  /// Every title, those of submenus behind their own: "Copy to/Documents".
+  /// Every title, those of submenus behind their own: "Set Icon/Blue".
   static std::vector<std::string> titles(const Menu& menu, const std::string& before = "") {
     std::vector<std::string> all;
     for (const MenuItem& item : menu) {

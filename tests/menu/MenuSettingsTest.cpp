@@ -29,8 +29,8 @@ TEST_F(MenuSettingsTest, ValuesOfOtherTypesReadAsEmptyOrOff) {
     for (const char* key : menuSettingsKeys) suite.insert_or_assign(key, value);
     EXPECT_THAT(titles(folderMenu()), IsEmpty());
     EXPECT_THAT(titles(itemsMenu({{"file:///a"}})),
-                testing::AnyOf(IsEmpty(), ElementsAre("*Copy to/*Choose Folder…",
-                                                      "*Move to/*Choose Folder…")));
+                testing::AnyOf(IsEmpty(), ElementsAre("*Copy to Folder/*Choose Folder…",
+                                                      "*Move to Folder/*Choose Folder…")));
   }
 }
 
@@ -67,8 +67,8 @@ TEST_F(MenuSettingsTest, FoldersHaveTheirNamesAndSwitches) {
   EXPECT_THAT(itemsMenu({{"file:///a"}}), IsEmpty());
   set("enableCopyFilesTo", "YES");
   EXPECT_THAT(titles(itemsMenu({{"file:///a"}})),
-              ElementsAre("*Copy to/*Downloads", "*Copy to/my%20set", "*Copy to/Mine",
-                          "*Copy to/*Choose Folder…"));
+              ElementsAre("*Copy to Folder/*Downloads", "*Copy to Folder/my%20set", "*Copy to Folder/Mine",
+                          "*Copy to Folder/*Choose Folder…"));
   EXPECT_THAT(folderMenu(), IsEmpty());
   set("enableCommonPath", 1);
   const Menu menu = folderMenu();

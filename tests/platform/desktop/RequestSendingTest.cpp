@@ -94,7 +94,7 @@ TEST_F(RequestSendingTest, saysThatNoHostIsThere) {
 
   std::string answer;
   sendRequestsAsync({request("/one")},
-                   [&](const Status& late) { answer = late ? "" : late.error().describe(); });
+                    [&](const Status& late) { answer = late ? "" : late.error().describe(); });
   ASSERT_TRUE(test::waitUntil([&] { return !answer.empty(); }));
   EXPECT_EQ(answer, outcome.error().describe());
   EXPECT_TRUE(noFileIsLeft());

@@ -1,13 +1,13 @@
 #include "extensions/thunar/ThunarMenu.h"
 
-#include <gtk/gtk.h>
-
 #include <memory>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "extensions/common/MenuExtension.h"
+#include "extensions/glib/Gtk3.h"
+#include "extensions/glib/Labels.h"
 #include "extensions/thunar/ThunarItems.h"
 #include "foundation/FileManagers.h"
 #include "platform/linux/GLibPointers.h"
@@ -25,35 +25,10 @@ struct Click {
   const MenuItem* item;
 };
 
-void copyText(const std::string& text) {
-  GtkClipboard* clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
-  gtk_clipboard_set_text(clipboard, text.data(), static_cast<gint>(text.size()));
-  gtk_clipboard_set_can_store(clipboard, nullptr, 0);
-}
-
-/// A token of Wayland's compositor or, on X11, a name that says when the user has clicked. No start
-/// is announced on X11: programs that do not know of such announcements would leave the pointer
-/// busy.
-std::string startupToken() {
-  GdkDisplay* display = gdk_display_get_default();
-  const guint32 time = gtk_get_current_event_time();
-  if (g_strcmp0(G_OBJECT_TYPE_NAME(display), "GdkX11Display") == 0) {
-    return time == GDK_CURRENT_TIME ? std::string() : "tavrin_TIME" + std::to_string(time);
-  }
-  const GObjectPointer<GAppInfo> program(g_app_info_create_from_commandline(
-      "tavrin", nullptr, G_APP_INFO_CREATE_SUPPORTS_STARTUP_NOTIFICATION, nullptr));
-  const GObjectPointer<GdkAppLaunchContext> context(gdk_display_get_app_launch_context(display));
-  if (!program) return {};
-  gdk_app_launch_context_set_timestamp(context.get(), time);
-  const GLibPointer<char> token(g_app_launch_context_get_startup_notify_id(
-      G_APP_LAUNCH_CONTEXT(context.get()), program.get(), nullptr));
-  return token ? token.get() : std::string();
-}
-
 /// The one of the process. It is never destroyed: Thunar's own end is its end.
 MenuExtension& menuExtension() {
-  static auto* const extension =
-      new MenuExtension({file_manager::thunar, TAVRIN_PREFIX_FROM_MODULE, copyText, startupToken});
+  static auto* const extension = new MenuExtension(
+      {file_manager::thunar, TAVRIN_PREFIX_FROM_MODULE, gtk3::copyText, gtk3::startupToken});
   return *extension;
 }
 
@@ -76,13 +51,6 @@ void forget(gpointer data) {
 template <typename Type>
 void keep(gpointer object, const char* name, Type value) {
   g_object_set_data_full(G_OBJECT(object), name, new Type(std::move(value)), forget<Type>);
-}
-
-/// The title as GTK's labels read it, where an underscore marks the key of the letter behind it.
-std::string labelOf(const std::string& title) {
-  std::string label;
-  for (const char letter : title) label.append(letter == '_' ? 2 : 1, letter);
-  return label;
 }
 
 using ItemPointer = GObjectPointer<ThunarxMenuItem>;
@@ -117,7 +85,7 @@ GObjectPointer<ThunarxMenu> thunarMenu(Items items) {
 ItemPointer thunarItem(const MenuItem& item, const OpenedMenuPointer& menu) {
   // Thunar's shortcuts of all items, its own among them, go by these names.
   const std::string name = "tavrin-" + item.identifier;
-  ItemPointer made(thunarx_menu_item_new(name.c_str(), labelOf(item.title).c_str(), nullptr,
+  ItemPointer made(thunarx_menu_item_new(name.c_str(), itemLabel(item).c_str(), nullptr,
                                          item.icon.empty() ? nullptr : item.icon.c_str()));
   if (item.action != nullptr) {
     g_signal_connect_data(made.get(), "activate", G_CALLBACK(onClick), new Click{menu, &item},

@@ -127,8 +127,10 @@ class Builder {
 
   void addItemsPart(const Selection& selection) {
     if (selection.fitList) {
-      addSubmenu("copy", translatable("Copy to Folder"), settings_.copyIcon, settings_.copyDestinations);
-      addSubmenu("move", translatable("Move to Folder"), settings_.moveIcon, settings_.moveDestinations);
+      addSubmenu("copy", translatable("Copy to Folder"), settings_.copyIcon,
+                 settings_.copyDestinations);
+      addSubmenu("move", translatable("Move to Folder"), settings_.moveIcon,
+                 settings_.moveDestinations);
     }
     if (!selection.areFew()) return;
     addSubmenu("icon", translatable("Set Icon"), settings_.customIconsIcon, settings_.customIcons);

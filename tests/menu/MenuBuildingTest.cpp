@@ -137,11 +137,11 @@ TEST_F(MenuBuilding, TheSecondTerminalIsOfferedWhereItIs) {
 
 TEST_F(MenuBuilding, AFolderOfEitherMenuHasBoth) {
   const Menu menu = eitherMenu("file:///data/dir");
-  EXPECT_THAT(
-      titles(menu),
-      testing::IsSupersetOf({"*Page", "*New File/*Text", "*Copy to Folder/*Downloads", "*Set Icon/*Blue",
-                             "*Common Folders/data", "*Tavrin/*Cut", "*Tavrin/*Paste",
-                             "*Tavrin/*Hidden All Files in Path", "*Tavrin/*Delete directly"}));
+  EXPECT_THAT(titles(menu),
+              testing::IsSupersetOf({"*Page", "*New File/*Text", "*Copy to Folder/*Downloads",
+                                     "*Set Icon/*Blue", "*Common Folders/data", "*Tavrin/*Cut",
+                                     "*Tavrin/*Paste", "*Tavrin/*Hidden All Files in Path",
+                                     "*Tavrin/*Delete directly"}));
   const auto all = titles(menu);
   EXPECT_EQ(std::set<std::string>(all.begin(), all.end()).size(), all.size());
   EXPECT_EQ(find(menu, "*Text").keys.at("Path"), PropertyList("/data/dir"));

@@ -67,8 +67,8 @@ TEST_F(MenuSettingsTest, FoldersHaveTheirNamesAndSwitches) {
   EXPECT_THAT(itemsMenu({{"file:///a"}}), IsEmpty());
   set("enableCopyFilesTo", "YES");
   EXPECT_THAT(titles(itemsMenu({{"file:///a"}})),
-              ElementsAre("*Copy to Folder/*Downloads", "*Copy to Folder/my%20set", "*Copy to Folder/Mine",
-                          "*Copy to Folder/*Choose Folder…"));
+              ElementsAre("*Copy to Folder/*Downloads", "*Copy to Folder/my%20set",
+                          "*Copy to Folder/Mine", "*Copy to Folder/*Choose Folder…"));
   EXPECT_THAT(folderMenu(), IsEmpty());
   set("enableCommonPath", 1);
   const Menu menu = folderMenu();

@@ -100,7 +100,7 @@ constexpr std::string_view namePrefix = "request-";
 
 /// Files that their senders have left, because they ended before the host answered.
 void removeForgotten(const OpenedFolder& folder) {
-  constexpr std::time_t oldAge = 10 * 60;
+  constexpr std::time_t oldAge = 600;
   DIR* listing = ::fdopendir(::openat(folder.descriptor.get(), ".", O_RDONLY | O_CLOEXEC));
   if (listing == nullptr) return;
   const std::time_t now = std::time(nullptr);

@@ -17,8 +17,14 @@ namespace {
 
 using Subject = MenuItem::Subject;
 
+/// In one pass over the escapes: it is asked of every selected item.
 bool hasListSeparator(std::string_view uri) {
-  return uri.find('|') != uri.npos || uri.find("%7C") != uri.npos || uri.find("%7c") != uri.npos;
+  if (uri.find('|') != uri.npos) return true;
+  for (auto escape = uri.find('%'); escape != uri.npos; escape = uri.find('%', escape + 1)) {
+    const std::string_view digits = uri.substr(escape + 1, 2);
+    if (digits == "7C" || digits == "7c") return true;
+  }
+  return false;
 }
 
 /// What the rules ask about a selection.

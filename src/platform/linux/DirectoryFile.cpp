@@ -35,7 +35,6 @@ bool setsIcon(std::string_view line) {
 }
 
 LineKind kindOf(std::string_view line, bool isInGroup) {
-  if (line.starts_with(byteOrderMark)) line.remove_prefix(byteOrderMark.size());
   line = trimmed(line);
   if (line.empty()) return LineKind::Blank;
   if (line == group) return LineKind::DesktopEntry;
@@ -43,12 +42,18 @@ LineKind kindOf(std::string_view line, bool isInGroup) {
   return isInGroup && setsIcon(line) ? LineKind::Icon : LineKind::Other;
 }
 
+/// Without the mark that a file may begin with.
+std::string_view withoutMark(std::string_view line) {
+  if (line.starts_with(byteOrderMark)) line.remove_prefix(byteOrderMark.size());
+  return line;
+}
+
 std::vector<Line> linesOf(std::string_view text) {
   std::vector<Line> lines;
   bool isInGroup = false;
   while (!text.empty()) {
     const std::string_view line = text.substr(0, std::min(text.find('\n'), text.size() - 1) + 1);
-    const LineKind kind = kindOf(line, isInGroup);
+    const LineKind kind = kindOf(lines.empty() ? withoutMark(line) : line, isInGroup);
     if (kind == LineKind::DesktopEntry) isInGroup = true;
     if (kind == LineKind::OtherGroup) isInGroup = false;
     lines.push_back({std::string(line), kind});
@@ -64,8 +69,15 @@ std::string join(const std::vector<Line>& lines) {
 }
 
 std::string_view lineBreakOf(const std::vector<Line>& lines) {
-  const bool hasCarriageReturn = !lines.empty() && lines.front().text.ends_with("\r\n");
+  const bool hasCarriageReturn = !lines.empty() && (lines.front().text.ends_with("\r\n") ||
+                                                    lines.front().text.ends_with('\r'));
   return hasCarriageReturn ? "\r\n" : "\n";
+}
+
+/// Ends a last line that has no line break.
+void endLine(std::string& text, std::string_view lineBreak) {
+  if (text.ends_with('\n')) return;
+  text += text.ends_with('\r') ? "\n" : lineBreak;
 }
 
 /// A string value as the format writes it.
@@ -102,9 +114,7 @@ std::vector<Line>::iterator placeForIcon(std::vector<Line>& lines, std::string_v
     return line.kind == LineKind::DesktopEntry;
   });
   const auto before = head == lines.end() ? lines.end() : head + 1;
-  if (before != lines.begin() && !std::prev(before)->text.ends_with('\n')) {
-    std::prev(before)->text += lineBreak;
-  }
+  if (before != lines.begin()) endLine(std::prev(before)->text, lineBreak);
   if (head != lines.end()) return before;
   lines.push_back({std::string(group) + std::string(lineBreak), LineKind::DesktopEntry});
   return lines.end();

@@ -35,6 +35,11 @@ const Case cases[] = {
      "[Desktop Entry]\nName=A\nIcon=/i.png\n", "[Desktop Entry]\nName=A\n"},
     {"lines of another system", "[Desktop Entry]\r\nName=A\r\nIcon=old\r\n",
      "[Desktop Entry]\r\nName=A\r\nIcon=/i.png\r\n", "[Desktop Entry]\r\nName=A\r\n"},
+    {"a last line of another system that is cut off", "[X]\r",
+     "[X]\r\n[Desktop Entry]\r\nIcon=/i.png\r\n", "[X]\r"},
+    {"a byte order mark that begins no file", "[Desktop Entry]\n\xEF\xBB\xBFIcon=keep\n",
+     "[Desktop Entry]\nIcon=/i.png\n\xEF\xBB\xBFIcon=keep\n",
+     "[Desktop Entry]\n\xEF\xBB\xBFIcon=keep\n"},
     {"blanks, translations and second groups",
      "\xEF\xBB\xBF [Desktop Entry] \n Icon = old\nIcon[de]=alt\n[X]\n[Desktop "
      "Entry]\nIcon=last\nIconic=1\n",

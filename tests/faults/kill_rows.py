@@ -1,28 +1,18 @@
 """The process is killed in the middle of an operation."""
 
-import contextlib
 import os
-import pathlib
 import subprocess
 import time
 
+import checks_of_checks
 from engine import Engine, Outcome, finish
+from hiding import HidingScene
 from manifest import manifest_of
-from programme import Context, NotHere, Result, Row, SelfTest
-from scene import OTHER_FILE_SYSTEM, Scene
-from trees import build_many, build_one_of_each, write
+from programme import Context, Result, Row
+from scene import Scene, two_file_systems
+from trees import build_many
 
 WORKERS = (None, 1, 2, 4)
-
-
-@contextlib.contextmanager
-def two_file_systems(context: Context):
-    """A folder each on two file systems, and the engine with its records on the first."""
-    with context.scratch() as near, context.scratch(OTHER_FILE_SYSTEM) as far:
-        if os.stat(near).st_dev == os.stat(far).st_dev:
-            raise NotHere(f"{near} and {OTHER_FILE_SYSTEM} are one file system")
-        os.makedirs(f"{near}/work")
-        yield f"{near}/work", far, Engine(context.program("file-engine"), f"{near}/data")
 
 
 def kill_after(process: subprocess.Popen, seconds: float) -> Outcome:
@@ -97,66 +87,26 @@ def is_in_the_middle(scene: Scene, operation: str) -> bool:
     return bool(scene.engine.records())
 
 
-OLD_LIST = "an old line\n\ngone long ago\nfile 7\n"
-
-
-class HidingScene:
-    """A folder whose items are hidden, with a list that names some already."""
-
-    def __init__(self, folder: str, engine: Engine, result: Result, names: int):
-        self.folder, self.engine, self.result = folder, engine, result
-        self.list = pathlib.Path(folder, ".hidden")
-        for number in range(names):
-            write(f"{folder}/file {number}", b"")
-        self.stand_up()
-        self.old = self.list.read_bytes()
-        engine.run("hide", folder)
-        self.new_lines = sorted(self.list.read_bytes().splitlines())
-        self.stand_up()
-
-    def stand_up(self) -> None:
-        write(str(self.list), OLD_LIST.encode(), 0o640)
-
-    def check(self, outcome: Outcome, about: str) -> None:
-        if outcome.is_blocked or outcome.has_crashed:
-            self.result.damage("blocked", f"{about}: it ended with {outcome.code}")
-        if not outcome.is_done and not self.engine.recover().is_done:
-            self.result.damage("half_named", f"{about}: leftovers are not cleared")
-        left = [name for name in os.listdir(self.folder) if name.startswith(".tavrin-")]
-        if left or self.engine.records():
-            self.result.damage("half_named", f"{about}: {left} is left")
-        if not self.list.exists():
-            self.result.damage("lost", f"{about}: there is no list")
-            return
-        found = self.list.read_bytes()
-        is_new = found.startswith(self.old) and sorted(found.splitlines()) == self.new_lines
-        if not is_new and (found != self.old or outcome.is_done):
-            self.result.damage("half_named", f"{about}: the list has {len(found)} bytes")
-        if self.list.stat().st_mode & 0o777 != 0o640:
-            self.result.damage("half_named", f"{about}: the list has lost its mode")
-
-
 def kill_during_hide(context: Context, result: Result) -> None:
     with context.scratch() as near:
-        os.mkdir(f"{near}/folder")
         engine = Engine(context.program("file-engine"), f"{near}/data")
-        scene = HidingScene(f"{near}/folder", engine, result, names=3000)
+        scene = HidingScene(near, engine, result, names=3000)
         moments = KillTimes(context, engine)
         for _ in range(3):
-            moments.learn(engine.run("hide", scene.folder))
+            moments.learn(scene.run("hide"))
             scene.stand_up()
         renewed = partly = 0
 
         def once() -> None:
             nonlocal renewed, partly
             moment = moments.next()
-            outcome = kill_after(engine.start("hide", scene.folder), moment)
+            outcome = kill_after(engine.start(*scene.words("hide")), moment)
             if not outcome.was_killed:
                 moments.was_too_late()
             result.tried += outcome.was_killed
             partly += outcome.was_killed and bool(engine.records())
             renewed += outcome.was_killed and scene.list.read_bytes() != scene.old
-            scene.check(outcome, f"seed {context.seed}, killed after {moment:.6f} s")
+            scene.check("hide", outcome, f"seed {context.seed}, killed after {moment:.6f} s")
             scene.stand_up()
 
         tries(context, result, once)
@@ -181,98 +131,4 @@ ROWS = [
 ]
 
 
-def with_scene(plant, operation: str, outcome: Outcome, kind: str):
-    """A self-test: `plant` does damage to a scene in which an operation has ended so."""
-    def run(context: Context) -> None:
-        result = Result("planted", "")
-        with two_file_systems(context) as (near, far, engine):
-            scene = Scene(near, far, engine, build_one_of_each, result)
-            scene.check(operation, Outcome(1, "", 0), "before the damage")
-            assert result.damages == 0, "damage where none was planted"
-            plant(scene)
-            scene.check(operation, outcome, "planted")
-        assert getattr(result, kind) > 0, f"not counted as {kind}"
-    return run
-
-
-KILLED, DONE = Outcome(-9, "", 0), Outcome(0, "", 0)
-
-
-def copy_whole(scene: Scene) -> None:
-    subprocess.run(["cp", "-a", scene.master, scene.destination], check=True)
-
-
-def change_byte(path: str) -> None:
-    """Alters a file and nothing that a listing would show."""
-    status = os.stat(path)
-    with open(path, "r+b") as file:
-        file.seek(status.st_size // 2)
-        byte = file.read(1)
-        file.seek(status.st_size // 2)
-        file.write(bytes([byte[0] ^ 1]))
-    os.utime(path, ns=(status.st_atime_ns, status.st_mtime_ns))
-
-
-def plant_in_copy(change):
-    def plant(scene: Scene) -> None:
-        copy_whole(scene)
-        change(scene.destination)
-    return plant
-
-
-def separate_twins(path: str) -> None:
-    subprocess.run(["cp", "-p", f"{path}/file", f"{path}/other"], check=True)
-    os.rename(f"{path}/other", f"{path}/file")
-    status = os.stat(f"{path}/folder")
-    os.utime(path, ns=(status.st_atime_ns, status.st_mtime_ns))
-
-
-def leave_record(scene: Scene) -> None:
-    write(f"{scene.engine.data_folder}/.tavrin-0123456789abcdef.record", b"torn")
-
-
-def move_half(scene: Scene) -> None:
-    copy_whole(scene)
-    os.unlink(f"{scene.destination}/folder/larger")
-    os.unlink(f"{scene.source}/folder/larger")
-
-
-SELF_TESTS = [
-    SelfTest("a byte of the source that changed",
-             with_scene(lambda scene: change_byte(f"{scene.source}/folder/larger"), "copy", KILLED,
-                        "lost")),
-    SelfTest("a byte of the copy that is another one",
-             with_scene(plant_in_copy(lambda path: change_byte(f"{path}/folder/larger")), "copy",
-                        KILLED, "half_named")),
-    SelfTest("a file that the copy has not",
-             with_scene(plant_in_copy(lambda path: os.unlink(f"{path}/nothing")), "copy", KILLED,
-                        "half_named")),
-    SelfTest("a mode that the copy has not",
-             with_scene(plant_in_copy(lambda path: os.chmod(f"{path}/empty", 0o700)), "copy",
-                        KILLED, "half_named")),
-    SelfTest("a time that the copy has not",
-             with_scene(plant_in_copy(lambda path: os.utime(f"{path}/pipe")), "copy", KILLED,
-                        "half_named")),
-    SelfTest("an attribute that the copy has not",
-             with_scene(plant_in_copy(lambda path: os.removexattr(f"{path}/file", "user.note")),
-                        "copy", KILLED, "half_named")),
-    SelfTest("a hard link that the copy has not",
-             with_scene(plant_in_copy(separate_twins), "copy", KILLED, "half_named")),
-    SelfTest("a copy that is said to be done and is not there",
-             with_scene(lambda scene: None, "copy", DONE, "lost")),
-    SelfTest("a leftover in the destination's folder",
-             with_scene(lambda scene: write(f"{scene.far}/.tavrin-0.partial", b""), "copy", KILLED,
-                        "half_named")),
-    SelfTest("a record that cannot be cleared",
-             with_scene(leave_record, "copy", KILLED, "half_named")),
-    SelfTest("a file that a move left in neither place",
-             with_scene(move_half, "move", KILLED, "lost")),
-    SelfTest("a removal that changed what it left",
-             with_scene(lambda scene: os.truncate(f"{scene.source}/file", 3), "remove", KILLED,
-                        "lost")),
-    SelfTest("something beside the tree that went",
-             with_scene(lambda scene: os.unlink(f"{scene.near}/bystander/file"), "remove", DONE,
-                        "escaped")),
-    SelfTest("a process that did not end",
-             with_scene(lambda scene: None, "remove", Outcome(None, "", 60), "blocked")),
-]
+SELF_TESTS = checks_of_checks.SELF_TESTS

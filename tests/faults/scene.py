@@ -1,14 +1,26 @@
 """Where an operation takes place, and what must hold there afterwards whatever happened."""
 
+import contextlib
 import os
 import pathlib
 import subprocess
 
 from engine import Engine, Outcome
 from manifest import damage_in_rest, differences, leftovers_in, manifest_of
+from programme import Context, NotHere
 from trees import copy_of
 
 OTHER_FILE_SYSTEM = "/dev/shm"
+
+
+@contextlib.contextmanager
+def two_file_systems(context: Context):
+    """A folder each on two file systems, and the engine with its records on the first."""
+    with context.scratch() as near, context.scratch(OTHER_FILE_SYSTEM) as far:
+        if os.stat(near).st_dev == os.stat(far).st_dev:
+            raise NotHere(f"{near} and {OTHER_FILE_SYSTEM} are one file system")
+        os.makedirs(f"{near}/work")
+        yield f"{near}/work", far, Engine(context.program("file-engine"), f"{near}/data")
 
 
 class Scene:
@@ -85,6 +97,8 @@ class Scene:
             self.damage("half_named", about, changes)
         elif outcome.is_done and not copy:
             self.damage("lost", about, ["it is said to be copied, and is not there"])
+        elif copy and outcome.code == 1:
+            self.damage("half_named", about, ["it is said to have failed, and has its name"])
 
     def check_move(self, outcome: Outcome, about: str) -> None:
         old, new = manifest_of(self.source), manifest_of(self.destination)

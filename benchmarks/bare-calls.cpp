@@ -38,6 +38,7 @@ bool moveInto(const std::string& path, const std::string& folder) {
 
 bool run(const std::string& call, const std::string& path, const std::string& folder) {
   if (call == "stat") return statFourTimes(path);
+  if (call == "lookup") return ::faccessat(AT_FDCWD, path.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) == 0;
   if (call == "unlink") return ::unlink(path.c_str()) == 0;
   return moveInto(path, folder);
 }
@@ -46,7 +47,7 @@ bool run(const std::string& call, const std::string& path, const std::string& fo
 
 int main(int count, char** arguments) {
   if (count < 3) {
-    std::cerr << "Usage: bare-calls stat|unlink|rename LIST [FOLDER]\n";
+    std::cerr << "Usage: bare-calls stat|lookup|unlink|rename LIST [FOLDER]\n";
     return 2;
   }
   const std::string call = arguments[1];

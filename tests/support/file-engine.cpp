@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,12 +17,13 @@
 #include "platform/linux/LinuxFileManager.h"
 #include "platform/linux/LinuxLog.h"
 #include "platform/linux/LinuxSecurityScope.h"
+#include "platform/linux/TreeWorkers.h"
 
 namespace tavrin {
 namespace {
 
 constexpr const char* usage =
-    "Usage: file-engine [--data FOLDER] [--workers COUNT] [--time] OPERATION\n"
+    "Usage: file-engine [--data FOLDER] [--workers COUNT] [--time] [--peak] OPERATION\n"
     "\n"
     "  copy SOURCE DESTINATION   as all others with absolute paths\n"
     "  move SOURCE DESTINATION\n"
@@ -33,12 +35,14 @@ constexpr const char* usage =
     "\n"
     "  --data    where records of unfinished operations are, instead of $XDG_DATA_HOME\n"
     "  --workers threads of an operation at most, instead of one for each processor\n"
-    "  --time    prints the seconds that the operation took\n";
+    "  --time    prints the seconds that the operation took\n"
+    "  --peak    prints the KiB that the process had in memory at most\n";
 
 struct CommandLine {
   std::string dataFolder = userDataDirectory();
   unsigned workers = 0;
   bool printsTime = false;
+  bool printsPeak = false;
   std::string operation;
   std::vector<std::string> operands;
 };
@@ -57,6 +61,8 @@ bool readOptions(std::vector<const char*>& words, CommandLine& line) {
     std::uint64_t workers = 0;
     if (option == "--time") {
       line.printsTime = true;
+    } else if (option == "--peak") {
+      line.printsPeak = true;
     } else if (option == "--data" && next + 1 < words.size()) {
       line.dataFolder = words[++next];
     } else if (option == "--workers" && next + 1 < words.size() &&
@@ -153,7 +159,18 @@ class Engine {
   LinuxFileManager files_;
 };
 
+/// VmHWM, in KiB: what getrusage tells counts what the process was before it became this program.
+std::string peakOfMemory() {
+  std::ifstream status("/proc/self/status");
+  std::string word;
+  while (status >> word && word != "VmHWM:") {
+  }
+  status >> word;
+  return word;
+}
+
 int runCommand(const CommandLine& line) {
+  if (line.workers > 0) TreeWorkers::setMostWorkers(line.workers);
   Engine engine(line.dataFolder);
   Status status = engine.grantAll();
   const auto start = std::chrono::steady_clock::now();
@@ -167,6 +184,7 @@ int runCommand(const CommandLine& line) {
     return 1;
   }
   if (line.printsTime) std::printf("%.6f\n", seconds.count());
+  if (line.printsPeak) std::printf("%s\n", peakOfMemory().c_str());
   return 0;
 }
 

@@ -1,0 +1,117 @@
+"""The part "files": copies, moves and removals on several file systems, beside other programs."""
+
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+
+from measuring import plot, results
+from measuring.build import build
+from measuring.file_rows import (ACROSS_ROWS, COLD_FILE_SYSTEM, HOST_FILE_SYSTEM, HOST_ROW, ROWS,
+                                 FileRows, Scale)
+from measuring.host_program import HostProgram
+from measuring.places import (FILE_SYSTEMS, describe_machine, file_system, plain_folder,
+                              reason_to_skip)
+
+ACROSS = ("ext4", "xfs")
+ALL_ROWS = (*ROWS, *ACROSS_ROWS, HOST_ROW)
+
+
+@dataclass
+class Runs:
+    """How many pairs of runs there are, and runs of the slow programs."""
+
+    pairs: int
+    slow: int
+
+
+class Files:
+    """Measures what is chosen, and keeps the rows that there are after each of them."""
+
+    def __init__(self, options, report):
+        self._options = options
+        self._path = report / "files.json"
+        self._plot = report / "files.png"
+        self._rows, self._about = results.load(self._path)
+        self._scale = Scale(options.quick)
+        self._runs = Runs(options.pairs, options.slow_runs)
+        self._judged = set()
+
+    def measure(self):
+        """All places that are chosen and can be had; says which cannot, and why."""
+        build("file-engine", "plain-filesystem", "tavrin", "tavrin-defaults", "tavrin_resources",
+              "tavrin_icons")
+        base = Path(self._options.folder)
+        self._about["machine"] = describe_machine(base)
+        self._about["runs"] = f"{self._runs.pairs} pairs, {self._runs.slow} of slow programs"
+        chosen = self._options.only or FILE_SYSTEMS
+        skipped = {name: reason for name in chosen
+                   if (reason := reason_to_skip(name))}
+        for name in chosen:
+            self._say_skipped(name, skipped.get(name))
+            if name not in skipped:
+                with file_system(name, base, self._scale.image) as place:
+                    self._measure_place(place)
+        if skipped and len(skipped) == len(chosen):
+            with plain_folder(base) as place:
+                self._measure_place(place)
+        self._measure_across(base, skipped)
+
+    def _say_skipped(self, name, reason):
+        self._about.pop(name, None)
+        if reason:
+            self._about[name] = f"skipped: {reason}"
+            print(f"{name:<6} skipped: {reason}", flush=True)
+
+    def _wants(self, key):
+        return not self._options.rows or key in self._options.rows
+
+    def _measure_place(self, place):
+        with tempfile.TemporaryDirectory() as data:
+            rows = FileRows(place, self._scale, data, self._runs, self._judged)
+            for key in filter(self._wants, ROWS):
+                if key != "copy-small-cold" or place.name == COLD_FILE_SYSTEM:
+                    self._keep(rows.measure(key))
+            if place.name == HOST_FILE_SYSTEM and self._wants(HOST_ROW):
+                with HostProgram() as host:
+                    self._keep(rows.measure_host(host))
+
+    def _measure_across(self, base, skipped):
+        keys = [key for key in ACROSS_ROWS if self._wants(key)]
+        chosen = self._options.only or ACROSS
+        if not keys or not set(ACROSS) <= set(chosen):
+            return
+        reason = "; ".join(f"{name}: {skipped[name]}" for name in ACROSS if name in skipped)
+        self._say_skipped("across", reason)
+        if reason:
+            return
+        with file_system(ACROSS[0], base, self._scale.image) as here, \
+                file_system(ACROSS[1], base, self._scale.image) as there, \
+                tempfile.TemporaryDirectory() as data:
+            rows = FileRows(here, self._scale, data, self._runs, self._judged)
+            for key in keys:
+                self._keep(rows.measure_across(key, there))
+
+    def _keep(self, row):
+        print(results.line(row) + (f"; {row.note}" if row.note else ""), flush=True)
+        self._rows = results.merged(self._rows, [row])
+        results.save(self._path, self._rows, self._about)
+        plot.draw(self._rows, self._plot)
+
+
+def words(report):
+    """The part of the report, from what was measured last; nothing when there is none."""
+    rows, about = results.load(report / "files.json")
+    if not rows:
+        return ""
+    notes = "".join(f"- {row.place}, {row.title}: {row.note}\n" for row in rows if row.note)
+    skipped = "".join(f"- {name}: {text}\n" for name, text in about.items()
+                      if text.startswith("skipped"))
+    return f"""## Files
+
+{about['machine']}; {about['runs']}. Medians, with the number of runs where there were fewer.
+The share is ours of `cp -a`, `mv` or `rm -rf`.
+
+![times as shares](files.png)
+
+{results.markdown(rows)}
+{notes}{skipped}"""

@@ -2,79 +2,25 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <cstdint>
-#include <unordered_map>
 #include <utility>
 
 #include "platform/linux/FileCreation.h"
 #include "platform/linux/FileReplacement.h"
 #include "platform/linux/ItemRedraw.h"
 #include "platform/linux/SystemErrors.h"
+#include "platform/linux/TextLines.h"
 
 namespace tavrin {
 
 namespace {
 
-constexpr char hideMark = '+';
-constexpr char showMark = '-';
 constexpr std::size_t largestList = std::size_t{64} << 20;
 // A window redraws each item that is touched; with more it had better be loaded anew.
 constexpr std::size_t mostItemsTouched = 1000;
 
-/// Calls `use` with each line, without its line break.
-template <typename Use>
-void forEachLine(std::string_view text, const Use& use) {
-  while (!text.empty()) {
-    const auto end = std::min(text.find('\n'), text.size());
-    use(text.substr(0, end));
-    text.remove_prefix(std::min(end + 1, text.size()));
-  }
-}
-
 }  // namespace
-
-void HiddenNameChanges::add(std::string_view name, IsHidden isHidden) {
-  changes_ += isHidden == IsHidden::Yes ? hideMark : showMark;
-  changes_ += name;
-  changes_ += '\n';
-}
-
-std::string HiddenNameChanges::appliedTo(std::string_view list) const {
-  // What is still to be done for each name; a name that the list has already is done.
-  std::unordered_map<std::string_view, char> marks;
-  forEachLine(changes_, [&](std::string_view line) { marks[line.substr(1)] = line[0]; });
-  std::string changed;
-  changed.reserve(list.size() + changes_.size());
-  bool hasName = false;
-  const auto keep = [&](std::string_view line) {
-    hasName = hasName || line.find_first_not_of(" \t\r") != std::string_view::npos;
-    changed += line;
-    changed += '\n';
-  };
-  forEachLine(list, [&](std::string_view line) {
-    const auto mark = marks.find(line);
-    if (mark != marks.end() && mark->second == showMark) return;
-    if (mark != marks.end()) marks.erase(mark);
-    keep(line);
-  });
-  forEachLine(changes_, [&](std::string_view line) {
-    const auto mark = marks.find(line.substr(1));
-    if (mark == marks.end() || mark->second == showMark) return;
-    marks.erase(mark);
-    keep(line.substr(1));
-  });
-  return hasName ? changed : std::string();
-}
-
-std::vector<std::string> HiddenNameChanges::names(std::size_t count) const {
-  std::vector<std::string> names;
-  forEachLine(changes_, [&](std::string_view line) {
-    if (names.size() < count) names.emplace_back(line.substr(1));
-  });
-  return names;
-}
 
 HiddenNames::HiddenNames(int folder, std::string folderPath, const PartialItems& partials)
     : folder_(folder), folderPath_(std::move(folderPath)), partials_(partials) {}

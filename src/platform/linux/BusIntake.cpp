@@ -9,6 +9,7 @@
 #include "platform/linux/BusHandOver.h"
 #include "platform/linux/GLibPointers.h"
 #include "platform/linux/Identity.h"
+#include "platform/linux/SessionBus.h"
 
 namespace tavrin {
 
@@ -40,18 +41,6 @@ class ThreadDefaultContext {
  private:
   GMainContext* context_;
 };
-
-/// A connection that is nobody else's, so that its end never ends the process.
-GObjectPointer<GDBusConnection> connectToSessionBus(GLibError& error) {
-  const GLibPointer<char> address(
-      g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, error.slot()));
-  if (!address) return nullptr;
-  const auto flags =
-      static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
-                                        G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION);
-  return GObjectPointer<GDBusConnection>(
-      g_dbus_connection_new_for_address_sync(address.get(), flags, nullptr, nullptr, error.slot()));
-}
 
 GLibPointer<GVariant> callBus(GDBusConnection* connection, const char* method, GVariant* arguments,
                               GLibError& error) {
@@ -90,9 +79,10 @@ struct BusIntake::State {
     g_dbus_connection_close_sync(connection.get(), nullptr, nullptr);
   }
 
-  bool connect();
-  bool exportObject();
-  std::optional<bool> claimName();
+  Status connect();
+  Status exportObject();
+  Result<bool> claimName();
+  Outcome withoutBus(const SystemError& cause);
   Outcome claimOrHandOver(const Launch& launch);
   void acceptLaunch(const Launch& launch);
   void serve();
@@ -122,27 +112,24 @@ struct BusIntake::State {
   Log& log;
   GLibPointer<GMainContext> context{g_main_context_new()};
   GLibPointer<GMainLoop> loop{g_main_loop_new(context.get(), FALSE)};
-  GObjectPointer<GDBusConnection> connection;
+  std::shared_ptr<GDBusConnection> connection;
   gulong closedHandler = 0;
   unsigned registration = 0;
   std::string whyNoRequests;
   std::thread thread;
 };
 
-bool BusIntake::State::connect() {
+Status BusIntake::State::connect() {
+  auto connected = connectToSessionBus(context.get());
+  if (!connected) return connected.error();
+  connection = std::move(connected).value();
   const ThreadDefaultContext answersComeHere(context.get());
-  GLibError error;
-  connection = connectToSessionBus(error);
-  if (!connection) {
-    whyNoRequests = error.message();
-    return false;
-  }
   closedHandler = g_signal_connect(connection.get(), "closed", G_CALLBACK(onClosed), this);
   return exportObject();
 }
 
 /// Before the name is claimed, so that nobody finds the name without the object.
-bool BusIntake::State::exportObject() {
+Status BusIntake::State::exportObject() {
   static constexpr GDBusInterfaceVTable methods = {onMethodCall, nullptr, nullptr, {}};
   GLibError error;
   const GLibPointer<GDBusNodeInfo> node(g_dbus_node_info_new_for_xml(introspection, error.slot()));
@@ -151,31 +138,38 @@ bool BusIntake::State::exportObject() {
                                                      node->interfaces[0], &methods, this, nullptr,
                                                      error.slot());
   }
-  if (registration == 0) whyNoRequests = error.message();
-  return registration != 0;
+  if (registration == 0) return busError("serve at the session bus", error);
+  return success();
 }
 
-/// Whether the name is this program's now; nothing when the bus does not say.
-std::optional<bool> BusIntake::State::claimName() {
+/// Whether the name is this program's now.
+Result<bool> BusIntake::State::claimName() {
   GLibError error;
   const auto answer = callBus(connection.get(), "RequestName",
                               g_variant_new("(su)", identity::applicationId, doNotQueue), error);
-  if (!answer) {
-    whyNoRequests = error.message();
-    return std::nullopt;
-  }
+  if (!answer) return busError("claim the name on the session bus", error);
   unsigned owner = 0;
   g_variant_get(answer.get(), "(u)", &owner);
   return owner == primaryOwner || owner == alreadyOwner;
+}
+
+/// A bus that is there and silent may have a program that runs: this one must not be another.
+BusIntake::Outcome BusIntake::State::withoutBus(const SystemError& cause) {
+  if (cause.code != std::errc::timed_out) {
+    whyNoRequests = cause.describe();
+    return Outcome::WithoutBus;
+  }
+  log.write("the session bus does not answer: " + cause.describe());
+  return Outcome::Refused;
 }
 
 BusIntake::Outcome BusIntake::State::claimOrHandOver(const Launch& launch) {
   using Clock = std::chrono::steady_clock;
   const auto deadline = Clock::now() + launch.patience;
   for (;;) {
-    const std::optional<bool> claimed = claimName();
-    if (!claimed) return Outcome::WithoutBus;
-    if (*claimed) return Outcome::Primary;
+    const Result<bool> claimed = claimName();
+    if (!claimed) return withoutBus(claimed.error());
+    if (claimed.value()) return Outcome::Primary;
     if (launch.isService) return Outcome::HandedOver;
 
     const auto left =
@@ -295,16 +289,18 @@ BusIntake::BusIntake(AcceptedRequests& accepted, Log& log)
 BusIntake::~BusIntake() = default;
 
 BusIntake::Outcome BusIntake::start(const Launch& launch) {
-  const Outcome outcome = state_->connect() ? state_->claimOrHandOver(launch) : Outcome::WithoutBus;
+  const Status connected = state_->connect();
+  const Outcome outcome =
+      connected ? state_->claimOrHandOver(launch) : state_->withoutBus(connected.error());
   if (outcome == Outcome::HandedOver || outcome == Outcome::Refused) return outcome;
   state_->acceptLaunch(launch);
   return outcome;
 }
 
 void BusIntake::connectOnly() {
-  GLibError error;
-  state_->connection = connectToSessionBus(error);
-  if (!state_->connection) state_->log.write("no session bus: " + error.message());
+  auto connected = connectToSessionBus();
+  if (!connected) return state_->log.write("no session bus: " + connected.error().describe());
+  state_->connection = std::move(connected).value();
 }
 
 void BusIntake::serve() {

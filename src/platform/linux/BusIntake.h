@@ -40,7 +40,8 @@ class BusIntake {
     WithoutBus,
     /// A running program has accepted what this one was launched for.
     HandedOver,
-    /// A program is running and did not accept in time; the log has said why.
+    /// A program is running and did not accept in time, or the bus did not say in time whether one
+    /// is; the log has said why.
     Refused,
   };
 

@@ -21,9 +21,12 @@ std::errc causeOf(const GLibError& error) {
 
 constexpr guint patienceInSeconds = 10;
 
-/// A connection that is being made, in a main context of its own.
+/// A connection that is being made, in a main context that is its own where none is given.
 struct Connecting {
-  GLibPointer<GMainContext> context{g_main_context_new()};
+  explicit Connecting(GMainContext* given)
+      : context(given == nullptr ? g_main_context_new() : g_main_context_ref(given)) {}
+
+  GLibPointer<GMainContext> context;
   GLibPointer<GMainLoop> loop{g_main_loop_new(context.get(), FALSE)};
   GObjectPointer<GCancellable> cancellable{g_cancellable_new()};
   GDBusConnection* connection = nullptr;
@@ -65,12 +68,12 @@ SystemError busError(const char* operation, const GLibError& error) {
   return systemError(operation, "(" + error.message() + ")", causeOf(error));
 }
 
-Result<std::shared_ptr<GDBusConnection>> connectToSessionBus() {
+Result<std::shared_ptr<GDBusConnection>> connectToSessionBus(GMainContext* notices) {
   GLibError error;
   const GLibPointer<char> address(
       g_dbus_address_get_for_bus_sync(G_BUS_TYPE_SESSION, nullptr, error.slot()));
   if (!address) return busError("find the session bus", error);
-  Connecting connecting;
+  Connecting connecting(notices);
   connect(connecting, address.get());
   if (connecting.connection == nullptr) return busError("reach the session bus", connecting.error);
   return std::shared_ptr<GDBusConnection>(connecting.connection, [](GDBusConnection* open) {

@@ -2,6 +2,7 @@
 
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -98,6 +99,13 @@ Result<OpenedFolder> openRequestFolder() {
 
 constexpr std::string_view namePrefix = "request-";
 
+/// Whether no sender waits for a file. Its age alone does not tell: the clock may have been set.
+bool isLeft(const OpenedFolder& folder, const char* name) {
+  const FileDescriptor file(::openat(folder.descriptor.get(), name,
+                                     O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  return file && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
+}
+
 /// Files that their senders have left, because they ended before the host answered.
 void removeForgotten(const OpenedFolder& folder) {
   constexpr std::time_t oldAge = 600;
@@ -112,8 +120,10 @@ void removeForgotten(const OpenedFolder& folder) {
         ::fstatat(folder.descriptor.get(), entry->d_name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
       continue;
     }
-    const bool isForgotten = S_ISREG(status.st_mode) && now - status.st_mtim.tv_sec > oldAge;
-    if (isForgotten) ::unlinkat(folder.descriptor.get(), entry->d_name, 0);
+    const bool isOld = S_ISREG(status.st_mode) && now - status.st_mtim.tv_sec > oldAge;
+    if (isOld && isLeft(folder, entry->d_name)) {
+      ::unlinkat(folder.descriptor.get(), entry->d_name, 0);
+    }
   }
   ::closedir(listing);
 }
@@ -128,7 +138,15 @@ std::string randomName() {
   return name.data();
 }
 
-/// Creates a file of a new name, which is stored in `name`.
+/// Locks a new file. False when it is gone: another sender looked for forgotten ones by a clock
+/// that was set meanwhile. A file system without locks keeps it as well.
+bool lockNew(const FileDescriptor& file) {
+  struct stat status {};
+  ::flock(file.get(), LOCK_EX);
+  return ::fstat(file.get(), &status) == 0 && status.st_nlink > 0;
+}
+
+/// Creates a file of a new name, which is stored in `name`, and locks it.
 Result<FileDescriptor> createFile(const OpenedFolder& folder, std::string& name) {
   constexpr int attempts = 100;
   for (int attempt = 0; attempt < attempts; ++attempt) {
@@ -136,19 +154,18 @@ Result<FileDescriptor> createFile(const OpenedFolder& folder, std::string& name)
     FileDescriptor file(::openat(folder.descriptor.get(), name.c_str(),
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                  ownerOnlyFile));
-    if (file) return file;
-    if (errno != EEXIST) break;
+    if (file && lockNew(file)) return file;
+    if (!file && errno != EEXIST) break;
   }
   return systemError("create file", appendingPathComponent(folder.path, name));
 }
 
-Status fill(const FileDescriptor& file, const PropertyList::Data& content,
-            const std::string& path) {
+Status fill(int file, const PropertyList::Data& content, const std::string& path) {
   // The user's mask may have taken rights away.
-  if (::fchmod(file.get(), ownerOnlyFile) != 0) return systemError("make private", path);
+  if (::fchmod(file, ownerOnlyFile) != 0) return systemError("make private", path);
   std::size_t written = 0;
   while (written < content.size()) {
-    const ssize_t count = ::write(file.get(), content.data() + written, content.size() - written);
+    const ssize_t count = ::write(file, content.data() + written, content.size() - written);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) return systemError("write", path);
     written += static_cast<std::size_t>(count);
@@ -158,8 +175,10 @@ Status fill(const FileDescriptor& file, const PropertyList::Data& content,
 
 }  // namespace
 
-RequestFile::RequestFile(FileDescriptor folder, const std::string& folderPath, std::string name)
+RequestFile::RequestFile(FileDescriptor folder, FileDescriptor locked,
+                         const std::string& folderPath, std::string name)
     : folder_(std::move(folder)),
+      locked_(std::move(locked)),
       name_(std::move(name)),
       path_(appendingPathComponent(folderPath, name_)) {}
 
@@ -178,10 +197,12 @@ Result<RequestFile> writeRequestFile(const PropertyList& request) {
   if (!folder) return folder.error();
   removeForgotten(folder.value());
   std::string name;
-  const auto file = createFile(folder.value(), name);
+  auto file = createFile(folder.value(), name);
   if (!file) return file.error();
-  RequestFile made(std::move(folder.value().descriptor), folder.value().path, name);
-  const Status filled = fill(file.value(), content.value(), made.path());
+  const int descriptor = file.value().get();
+  RequestFile made(std::move(folder.value().descriptor), std::move(file).value(),
+                   folder.value().path, name);
+  const Status filled = fill(descriptor, content.value(), made.path());
   if (!filled) return filled.error();
   return made;
 }

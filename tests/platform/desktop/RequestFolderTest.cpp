@@ -102,6 +102,22 @@ TEST_F(RequestFolderTest, namesDifferAndFilesGoWithTheirObjects) {
   EXPECT_EQ(entriesBelow(requestFolder()), 0U);
 }
 
+TEST_F(RequestFolderTest, oldOnesGoUnlessSomebodyWaitsForThem) {
+  const auto waiting = writeRequestFile(request);
+  ASSERT_TRUE(waiting);
+  const std::string left = requestFolder() + "/request-left.plist";
+  const std::string recent = requestFolder() + "/request-recent.plist";
+  test::writeFile(left, "");
+  test::writeFile(recent, "");
+  const auto old = fs::file_time_type::clock::now() - std::chrono::hours(1);
+  for (const std::string& path : {left, waiting.value().path()}) fs::last_write_time(path, old);
+  const auto next = writeRequestFile(request);
+  ASSERT_TRUE(next);
+  EXPECT_FALSE(fs::exists(left));
+  EXPECT_TRUE(fs::exists(recent));
+  EXPECT_TRUE(fs::exists(waiting.value().path()));
+}
+
 TEST_F(RequestFolderTest, withoutARuntimeFolderTheCacheHoldsRequests) {
   test::setVariable("XDG_CACHE_HOME", scratch_ / "cache");
   for (const std::optional<std::string>& unset :

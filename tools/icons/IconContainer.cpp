@@ -1,5 +1,7 @@
 #include "icons/IconContainer.h"
 
+#include <utility>
+
 #include "icons/Png.h"
 
 namespace tavrin::icons {
@@ -14,6 +16,11 @@ void append(Bytes& container, std::string_view type, std::size_t length) {
   for (unsigned shift = 32; shift > 0; shift -= 8) {
     container += static_cast<char>(length >> (shift - 8) & 0xff);
   }
+}
+
+std::uint64_t pixelsOf(const IconElement& element) {
+  const auto size = sizeOfPng(element.data);
+  return size ? std::uint64_t{size->width} * size->height : 0;
 }
 
 }  // namespace
@@ -56,6 +63,18 @@ std::optional<std::vector<IconElement>> elementsOf(BytesView container, std::str
     rest.remove_prefix(size);
   }
   return elements;
+}
+
+std::optional<Bytes> largestPng(BytesView container, std::string& mistake) {
+  auto elements = elementsOf(container, mistake);
+  if (!elements) return std::nullopt;
+  IconElement* largest = nullptr;
+  for (IconElement& element : *elements) {
+    if (pixelsOf(element) > (largest == nullptr ? 0 : pixelsOf(*largest))) largest = &element;
+  }
+  if (largest != nullptr) return std::move(largest->data);
+  mistake = "there is no PNG picture in the icon file";
+  return std::nullopt;
 }
 
 }  // namespace tavrin::icons

@@ -54,4 +54,8 @@ std::optional<Bytes> iconContainerOf(const std::vector<IconElement>& elements);
 /// impossible.
 std::optional<std::vector<IconElement>> elementsOf(BytesView container, std::string& mistake);
 
+/// The PNG image of most pixels in a container; older kinds of images are for sizes that nobody
+/// scales up. Nothing, with the reason in `mistake`, when there is none.
+std::optional<Bytes> largestPng(BytesView container, std::string& mistake);
+
 }  // namespace tavrin::icons

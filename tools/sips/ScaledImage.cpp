@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <memory>
 
+#include "sips/BitmapHeader.h"
 #include "sips/Warnings.h"
 
 namespace tavrin::sips {

@@ -12,7 +12,8 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{256} * 1024;
-constexpr off_t largestKernelCopy = off_t{1} << 30;
+// Some hundredths of a second: so soon a cancelled copy ends.
+constexpr off_t largestKernelCopy = off_t{32} << 20;
 constexpr off_t wholeFile = std::numeric_limits<off_t>::max();
 
 bool mayHaveHoles(const struct stat& status) {
@@ -39,7 +40,8 @@ Status writeAll(const OpenFile& file, const char* bytes, std::size_t count, off_
 
 }  // namespace
 
-FileData::FileData() : buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
+FileData::FileData(FileOperation& operation)
+    : operation_(operation), buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
 
 void FileData::forgetOnNewDevice(dev_t device) {
   if (device_ == device) return;
@@ -48,10 +50,20 @@ void FileData::forgetOnNewDevice(dev_t device) {
   canCopyInKernel_ = true;
 }
 
+Status FileData::note(const OpenFile& source, off_t bytes) {
+  operation_.addBytes(static_cast<std::uint64_t>(bytes));
+  operation_.addShare(shareOfByte_ * static_cast<double>(bytes));
+  return operation_.isCancelled() ? Status(source.entry.failure("copy", ECANCELED)) : success();
+}
+
 Status FileData::copy(const OpenFile& source, const OpenFile& destination,
-                      const struct stat& status) {
+                      const struct stat& status, double share) {
   forgetOnNewDevice(status.st_dev);
-  if (status.st_size > 0 && shareBlocks(source, destination, status)) return success();
+  shareOfByte_ = status.st_size > 0 ? share / static_cast<double>(status.st_size) : 0;
+  if (status.st_size == 0) operation_.addShare(share);
+  if (status.st_size > 0 && shareBlocks(source, destination, status)) {
+    return note(source, status.st_size);
+  }
   if (status.st_size > static_cast<off_t>(bufferSize) || mayHaveHoles(status)) {
     return copySegments(source, destination, status);
   }
@@ -80,13 +92,16 @@ Status FileData::copySegments(const OpenFile& source, const OpenFile& destinatio
     if (end <= begin) end = status.st_size;
     end = std::min(end, status.st_size);
     if (begin >= end) break;
+    if (Status noted = note(source, begin - position); !noted) return noted;
     const Result<off_t> reached = copySegment(source, destination, begin, end);
     if (!reached) return reached.error();
     if (reached.value() < end) return success();
     position = end;
   }
-  if (::ftruncate(destination.descriptor, status.st_size) == 0) return success();
-  return destination.entry.failure("set the size of", errno);
+  if (::ftruncate(destination.descriptor, status.st_size) != 0) {
+    return destination.entry.failure("set the size of", errno);
+  }
+  return note(source, status.st_size - position);
 }
 
 Result<off_t> FileData::copySegment(const OpenFile& source, const OpenFile& destination,
@@ -106,7 +121,11 @@ Result<off_t> FileData::copyInKernel(const OpenFile& source, const OpenFile& des
         ::copy_file_range(source.descriptor, &from, destination.descriptor, &to, count, 0);
     // Some file systems answer 0 before the end; reading tells whether it is one.
     if (copied == 0) break;
-    if (copied > 0 || errno == EINTR) continue;
+    if (copied > 0) {
+      if (Status noted = note(source, copied); !noted) return noted.error();
+      continue;
+    }
+    if (errno == EINTR) continue;
     if (errno == EINVAL) break;
     if (!isUnsupported(errno)) return destination.entry.failure("copy data to", errno);
     canCopyInKernel_ = false;
@@ -128,6 +147,7 @@ Result<off_t> FileData::copyByReading(const OpenFile& source, const OpenFile& de
         writeAll(destination, buffer_.get(), static_cast<std::size_t>(count), position);
     if (!written) return written.error();
     position += count;
+    if (Status noted = note(source, count); !noted) return noted.error();
   }
   return position;
 }

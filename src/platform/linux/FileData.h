@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "foundation/Result.h"
+#include "platform/linux/FileOperation.h"
 #include "platform/linux/FolderEntry.h"
 
 namespace tavrin {
@@ -21,11 +22,13 @@ struct OpenFile {
 /// blocks, a copy within the kernel, reading and writing. It remembers which ways do not work.
 class FileData {
  public:
-  FileData();
+  /// `operation` is borrowed; it hears of each piece of a large file, and may end it there.
+  explicit FileData(FileOperation& operation);
 
   /// Fills the empty `destination` with what `source` holds; holes stay holes. `status` is that of
-  /// the source.
-  Status copy(const OpenFile& source, const OpenFile& destination, const struct stat& status);
+  /// the source, `share` what the file is of the whole operation.
+  Status copy(const OpenFile& source, const OpenFile& destination, const struct stat& status,
+              double share);
 
  private:
   bool shareBlocks(const OpenFile& source, const OpenFile& destination, const struct stat& status);
@@ -38,7 +41,10 @@ class FileData {
   Result<off_t> copyByReading(const OpenFile& source, const OpenFile& destination, off_t begin,
                               off_t end);
   void forgetOnNewDevice(dev_t device);
+  Status note(const OpenFile& source, off_t bytes);
 
+  FileOperation& operation_;
+  double shareOfByte_ = 0;
   std::unique_ptr<char[]> buffer_;
   std::optional<dev_t> device_;
   bool canShareBlocks_ = true;

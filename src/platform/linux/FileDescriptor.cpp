@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <cerrno>
 #include <utility>
 
 namespace tavrin {
@@ -20,6 +21,11 @@ int FileDescriptor::release() {
 
 void FileDescriptor::reset() {
   if (descriptor_ >= 0) ::close(release());
+}
+
+int FileDescriptor::close() {
+  // The handle is gone even when a signal came in between.
+  return descriptor_ < 0 || ::close(release()) == 0 || errno == EINTR ? 0 : errno;
 }
 
 }  // namespace tavrin

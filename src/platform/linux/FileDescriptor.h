@@ -20,6 +20,9 @@ class FileDescriptor {
   /// Gives up ownership.
   int release();
   void reset();
+  /// Closes it and gives what that tells: 0, or the errno value of writing that failed late, as
+  /// network file systems do it (close(2)).
+  int close();
 
  private:
   int descriptor_ = -1;

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <utility>
@@ -31,6 +32,7 @@ Status FolderChain::closeOutermost() {
   if (::fstat(level.folder.get(), &status) != 0) return failure("stat", path_, errno);
   level.device = status.st_dev;
   level.inode = status.st_ino;
+  level.position = ::lseek(level.folder.get(), 0, SEEK_CUR);
   level.folder.reset();
   return success();
 }
@@ -43,6 +45,7 @@ Status FolderChain::reopen(Level& outer, int inner) const {
   if (status.st_dev != outer.device || status.st_ino != outer.inode) {
     return failure("find the folder around", path_, EBUSY);
   }
+  if (outer.position > 0) ::lseek(folder.get(), outer.position, SEEK_SET);
   outer.folder = std::move(folder);
   return success();
 }

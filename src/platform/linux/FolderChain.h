@@ -12,8 +12,9 @@
 namespace tavrin {
 
 /// The open folders from the root of a tree down to where a walk stands. Only the deepest are held
-/// open; an outer one is opened again through ".." on the way back and must be the same folder, so
-/// that depth costs no handles and a folder that was moved meanwhile leads nowhere else.
+/// open; an outer one is opened again through ".." on the way back, to be listed on from where it
+/// was, and must be the same folder, so that depth costs no handles and a folder that was moved
+/// meanwhile leads nowhere else.
 class FolderChain {
  public:
   /// `path` is what messages call the root.
@@ -38,6 +39,7 @@ class FolderChain {
     /// Known once the handle is closed.
     dev_t device = 0;
     ino_t inode = 0;
+    off_t position = 0;
   };
 
   Status closeOutermost();

@@ -1,40 +1,44 @@
 #include "platform/linux/FolderCopy.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <utility>
+#include <memory>
 
+#include "platform/linux/CopyWalk.h"
 #include "platform/linux/FolderOpening.h"
 #include "platform/linux/ItemMetadata.h"
+#include "platform/linux/TreeWorkers.h"
 
 namespace tavrin {
 
 FolderCopy::FolderCopy(const ItemReference& source, const ItemReference& destination,
-                       const std::string& partialName, CopyPurpose purpose)
+                       const std::string& partialName, CopyPurpose purpose,
+                       FileOperation& operation)
     : sourceItem_(source),
       destinationItem_(destination),
       partialName_(partialName),
       purpose_(purpose),
-      source_(source.path),
-      destination_(destination.path) {}
+      operation_(operation) {}
 
 Status FolderCopy::run() {
-  FileDescriptor source = openSubfolder(sourceItem_.parentDescriptor, sourceItem_.name);
+  FileDescriptor source =
+      openFolderToCopy(sourceItem_.parentDescriptor, sourceItem_.name, purpose_);
   if (!source) return FolderEntry(sourceItem_).failure("open", errno == EXDEV ? EBUSY : errno);
   if (::fstat(source.get(), &sourceStatus_) != 0) {
     return FolderEntry(sourceItem_).failure("stat", errno);
   }
   if (Status created = createRoot(); !created) return created;
-  const FolderEntry entry(destinationItem_, partialName_);
-  FileDescriptor destination = openFolder(destinationItem_.parentDescriptor, partialName_);
-  if (!destination) return entry.failure("open", errno);
   links_.emplace(root_.get(), destinationItem_.path);
-  Status entered =
-      enter(std::move(source), std::move(destination), {sourceItem_.name, sourceStatus_, {}});
-  return entered ? walk() : entered;
+  const int sourceRoot = source.get();
+  // Read on after the walk has used up its own.
+  const FileDescriptor kept(::fcntl(sourceRoot, F_DUPFD_CLOEXEC, 0));
+  if (!kept) return FolderEntry(sourceItem_).failure("open", errno);
+  if (Status copied = copyContents(std::move(source)); !copied) return copied;
+  if (Status finished = links_->finish(); !finished) return finished;
+  const FolderEntry entry(destinationItem_, partialName_);
+  return copyMetadata(kept.get(), {root_.get(), entry}, sourceStatus_, {});
 }
 
 Status FolderCopy::createRoot() {
@@ -50,109 +54,20 @@ Status FolderCopy::createRoot() {
   return success();
 }
 
-Status FolderCopy::walk() {
-  while (!levels_.empty()) {
-    Level& level = levels_.back();
-    if (level.subfolders.empty()) {
-      if (Status left = leave(); !left) return left;
-      continue;
-    }
-    const std::string name = std::move(level.subfolders.back());
-    level.subfolders.pop_back();
-    if (Status entered = enterSubfolder(name); !entered) return entered;
-  }
-  return success();
-}
-
-FileDescriptor FolderCopy::openSubfolder(int folder, const std::string& name) const {
-  return purpose_ == CopyPurpose::Move ? openFolderOfSameMount(folder, name)
-                                       : openFolder(folder, name);
-}
-
-bool FolderCopy::isOwnRoot(const struct stat& status) const {
-  return status.st_dev == rootStatus_.st_dev && status.st_ino == rootStatus_.st_ino;
-}
-
-FolderEntry FolderCopy::destinationEntry(const std::string& name) const {
-  return {destination_.current(), name, destination_.path()};
-}
-
-Status FolderCopy::enterSubfolder(const std::string& name) {
-  FileDescriptor source = openSubfolder(source_.current(), name);
-  if (!source) {
-    // It is gone or no folder any more: what stands there now is copied as what it is.
-    if (errno == ENOENT) return success();
-    if (errno == ENOTDIR || errno == ELOOP) return copyEntry({name, DT_UNKNOWN});
-    return FolderEntry(source_.current(), name, source_.path())
-        .failure("open", errno == EXDEV ? EBUSY : errno);
-  }
-  struct stat status = {};
-  if (::fstat(source.get(), &status) != 0) {
-    return FolderEntry(source_.current(), name, source_.path()).failure("stat", errno);
-  }
-  // A bind mount can show the growing copy inside its own source.
-  if (isOwnRoot(status)) return success();
-  const FolderEntry entry = destinationEntry(name);
-  if (::mkdirat(entry.folder(), entry.nameBytes(), S_IRWXU) != 0) {
-    return entry.failure("create", errno);
-  }
-  FileDescriptor destination = openFolder(entry.folder(), name);
-  if (!destination) return entry.failure("open", errno);
-  return enter(std::move(source), std::move(destination), {name, status, {}});
-}
-
-Status FolderCopy::enter(FileDescriptor source, FileDescriptor destination, Level level) {
-  const std::string& name = level.name;
-  if (Status entered = source_.enter(std::move(source), name); !entered) return entered;
-  if (Status entered = destination_.enter(std::move(destination), name); !entered) return entered;
-  levels_.push_back(std::move(level));
-  return copyEntries();
-}
-
-Status FolderCopy::copyEntries() {
-  bool hasEntries = false;
-  FolderListing::Entry entry;
-  listing_.start(source_.current(), source_.path());
-  while (true) {
-    const Result<bool> found = listing_.next(entry);
-    if (!found) return found.error();
-    if (!found.value()) break;
-    hasEntries = true;
-    if (Status copied = copyEntry(entry); !copied) return copied;
-  }
-  if (purpose_ == CopyPurpose::Copy || !hasEntries) return success();
-  if (::faccessat(source_.current(), ".", W_OK | X_OK, AT_EACCESS) == 0) return success();
-  return SystemError{"empty", source_.path(), std::error_code(errno, std::generic_category())};
-}
-
-Status FolderCopy::copyEntry(const FolderListing::Entry& entry) {
-  if (entry.type == DT_DIR) {
-    levels_.back().subfolders.push_back(entry.name);
-    return success();
-  }
-  const FolderEntry source(source_.current(), entry.name, source_.path());
-  const Result<ItemCopy::Outcome> outcome =
-      items_.copy(source, destinationEntry(entry.name), entry.type, &*links_);
-  if (!outcome) return outcome.error();
-  if (outcome.value() == ItemCopy::Outcome::IsFolder) {
-    levels_.back().subfolders.push_back(entry.name);
-  }
-  return success();
-}
-
-Status FolderCopy::leave() {
-  if (levels_.size() == 1) {
-    if (Status finished = links_->finish(); !finished) return finished;
-  }
-  const Result<FileDescriptor> source = source_.leave();
-  if (!source) return source.error();
-  const Result<FileDescriptor> destination = destination_.leave();
-  if (!destination) return destination.error();
-  const Level level = std::move(levels_.back());
-  levels_.pop_back();
-  const FolderEntry entry =
-      levels_.empty() ? FolderEntry(destinationItem_, partialName_) : destinationEntry(level.name);
-  return copyMetadata(source.value().get(), {destination.value().get(), entry}, level.status);
+Status FolderCopy::copyContents(FileDescriptor source) {
+  FileDescriptor destination(::fcntl(root_.get(), F_DUPFD_CLOEXEC, 0));
+  if (!destination) return FolderEntry(destinationItem_, partialName_).failure("open", errno);
+  operation_.addItems(1);
+  TreeWorkers workers(operation_);
+  const CopiedTree tree = {purpose_, rootStatus_, *links_, operation_, workers};
+  Subtree root = {std::move(source),     std::move(destination), sourceItem_.path,
+                  destinationItem_.path, sourceStatus_,          1};
+  root.isRoot = true;
+  return workers.run(std::move(root), [&tree] {
+    return [walk = std::make_shared<CopyWalk>(tree)](Subtree subtree) {
+      return walk->run(std::move(subtree));
+    };
+  });
 }
 
 }  // namespace tavrin

@@ -1,7 +1,6 @@
 #include "platform/linux/FolderListing.h"
 
 #include <dirent.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstddef>
@@ -11,52 +10,58 @@ namespace tavrin {
 namespace {
 
 constexpr std::size_t bufferSize = std::size_t{64} * 1024;
+constexpr std::size_t largestRecord = sizeof(dirent64);
 
 bool isSelfOrParent(const char* name) {
-  return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+  return name[0] == '.' && (name[1] == '\0' || (name[1] == '.' && name[2] == '\0'));
+}
+
+std::size_t lengthOf(const char* record) {
+  unsigned short length = 0;
+  std::memcpy(&length, record + offsetof(dirent64, d_reclen), sizeof(length));
+  return length;
 }
 
 }  // namespace
 
 FolderListing::FolderListing() : buffer_(std::make_unique_for_overwrite<char[]>(bufferSize)) {}
 
-void FolderListing::start(int folder, const std::string& path) {
-  folder_ = folder;
-  path_ = &path;
-  filled_ = 0;
-  position_ = 0;
-  ::lseek(folder, 0, SEEK_SET);
-}
-
-Result<bool> FolderListing::fill() {
+Result<bool> FolderListing::readPiece(int folder, const std::string& path) {
   ssize_t count = 0;
   do {
-    count = ::getdents64(folder_, buffer_.get(), bufferSize);
+    count = ::getdents64(folder, buffer_.get(), bufferSize);
   } while (count < 0 && errno == EINTR);
-  if (count < 0) {
-    return SystemError{"list", *path_, std::error_code(errno, std::generic_category())};
-  }
-  filled_ = static_cast<std::size_t>(count);
+  filled_ = count > 0 ? static_cast<std::size_t>(count) : 0;
   position_ = 0;
+  if (count < 0) {
+    return SystemError{"list", path, std::error_code(errno, std::generic_category())};
+  }
   return filled_ > 0;
 }
 
-Result<bool> FolderListing::next(Entry& entry) {
-  while (true) {
-    if (position_ >= filled_) {
-      Result<bool> hasMore = fill();
-      if (!hasMore || !hasMore.value()) return hasMore;
-    }
+bool FolderListing::next(Entry& entry) {
+  while (position_ < filled_) {
     const char* record = buffer_.get() + position_;
-    unsigned short length = 0;
-    std::memcpy(&length, record + offsetof(dirent64, d_reclen), sizeof(length));
-    position_ += length;
+    position_ += lengthOf(record);
     const char* name = record + offsetof(dirent64, d_name);
     if (isSelfOrParent(name)) continue;
     entry.name = name;
     entry.type = static_cast<unsigned char>(record[offsetof(dirent64, d_type)]);
     return true;
   }
+  return false;
+}
+
+std::size_t FolderListing::countInPiece() const {
+  std::size_t count = 0;
+  for (std::size_t position = 0; position < filled_; ++count) {
+    position += lengthOf(buffer_.get() + position);
+  }
+  return count;
+}
+
+bool FolderListing::isPieceFull() const {
+  return filled_ + largestRecord > bufferSize;
 }
 
 }  // namespace tavrin

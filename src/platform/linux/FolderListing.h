@@ -8,7 +8,7 @@
 
 namespace tavrin {
 
-/// Reads the names of a folder piece by piece, however many there are.
+/// Reads the names of folders in pieces of bounded size, however many there are.
 class FolderListing {
  public:
   FolderListing();
@@ -19,21 +19,22 @@ class FolderListing {
     unsigned char type = 0;
   };
 
-  /// Begins with the first name of `folder`, a readable open folder that messages call `path`. Both
-  /// are borrowed until the last name is read.
-  void start(int folder, const std::string& path);
+  /// Reads the piece that follows where the readable handle `folder` stands; false when there is
+  /// none. Messages call the folder `path`.
+  Result<bool> readPiece(int folder, const std::string& path);
 
-  /// Gives the next name, without "." and ".."; false after the last one.
-  Result<bool> next(Entry& entry);
+  /// Gives the next name of the piece, without "." and ".."; false after the last one.
+  bool next(Entry& entry);
+
+  /// How many names the piece has, "." and ".." among them.
+  std::size_t countInPiece() const;
+  /// True when a piece of that size is rarely a folder's last.
+  bool isPieceFull() const;
 
  private:
-  Result<bool> fill();
-
   std::unique_ptr<char[]> buffer_;
   std::size_t filled_ = 0;
   std::size_t position_ = 0;
-  int folder_ = -1;
-  const std::string* path_ = nullptr;
 };
 
 }  // namespace tavrin

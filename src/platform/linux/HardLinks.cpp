@@ -3,75 +3,131 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
+#include <cstdio>
 
+#include "platform/linux/FolderListing.h"
 #include "platform/linux/ItemNaming.h"
 
 namespace tavrin {
 namespace {
 
-bool isSameState(const struct stat& status, const timespec& modified, off_t size) {
-  return status.st_mtim.tv_sec == modified.tv_sec && status.st_mtim.tv_nsec == modified.tv_nsec &&
-         status.st_size == size;
+std::string keptName(const struct stat& status) {
+  std::array<char, 40> name = {};
+  std::snprintf(name.data(), name.size(), "%llx-%llx",
+                static_cast<unsigned long long>(status.st_dev),
+                static_cast<unsigned long long>(status.st_ino));
+  return name.data();
+}
+
+/// Whether a copy has the state of its source now; some file systems cut times to whole seconds.
+bool isSameState(const struct stat& source, const struct stat& copy) {
+  return source.st_size == copy.st_size && source.st_mtim.tv_sec == copy.st_mtim.tv_sec &&
+         (copy.st_mtim.tv_nsec == 0 || copy.st_mtim.tv_nsec == source.st_mtim.tv_nsec);
+}
+
+/// A file system without hard links, or an item that has all it may have, gets separate items.
+bool hasNoMoreLinks(int cause) {
+  return cause == EPERM || cause == EOPNOTSUPP || cause == EMLINK;
 }
 
 }  // namespace
 
 Status HardLinks::ensureFolder() {
-  if (folder_) return success();
+  if (hasFolder_) return success();
+  const std::lock_guard lock(mutex_);
+  if (hasFolder_) return success();
   folderName_ = randomHiddenName("links");
   if (::mkdirat(root_, folderName_.c_str(), S_IRWXU) != 0) {
     return folderEntry().failure("create", errno);
   }
   folder_ = FileDescriptor(
       ::openat(root_, folderName_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-  return folder_ ? success() : Status(folderEntry().failure("open", errno));
+  if (!folder_) return folderEntry().failure("open", errno);
+  hasFolder_ = true;
+  return success();
+}
+
+Result<bool> HardLinks::linkKept(const std::string& name, const struct stat& status,
+                                 const FolderEntry& destination) {
+  struct stat kept = {};
+  if (::fstatat(folder_.get(), name.c_str(), &kept, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  // An inode number may have got a new owner during the copy.
+  if (!isSameState(status, kept)) return false;
+  if (::linkat(folder_.get(), name.c_str(), destination.folder(), destination.nameBytes(), 0) !=
+      0) {
+    if (errno == ENOENT || hasNoMoreLinks(errno)) return false;
+    return destination.failure("link", errno);
+  }
+  if (kept.st_nlink >= status.st_nlink) ::unlinkat(folder_.get(), name.c_str(), 0);
+  return true;
 }
 
 Result<bool> HardLinks::link(const struct stat& status, const FolderEntry& destination) {
-  const auto found = copied_.find({status.st_dev, status.st_ino});
-  if (found == copied_.end()) return false;
-  Copied& copied = found->second;
-  // An inode number may have got a new owner during the copy.
-  if (!isSameState(status, copied.modified, copied.size)) return false;
-  if (::linkat(folder_.get(), copied.name.c_str(), destination.folder(), destination.nameBytes(),
-               0) != 0) {
-    if (errno == EMLINK) return false;
-    return destination.failure("link", errno);
-  }
-  if (--copied.namesLeft == 0) {
-    ::unlinkat(folder_.get(), copied.name.c_str(), 0);
-    copied_.erase(found);
-  }
-  return true;
+  if (!hasFolder_) return false;
+  return linkKept(keptName(status), status, destination);
 }
 
 Status HardLinks::remember(const struct stat& status, const FolderEntry& destination) {
   if (Status ready = ensureFolder(); !ready) return ready;
-  Copied copied = {std::to_string(++lastNumber_), status.st_nlink - 1, status.st_mtim,
-                   status.st_size};
-  if (::linkat(destination.folder(), destination.nameBytes(), folder_.get(), copied.name.c_str(),
-               0) != 0) {
-    // A file system without hard links gets separate files.
-    if (errno == EPERM || errno == EOPNOTSUPP || errno == EMLINK) return success();
+  const std::string name = keptName(status);
+  if (::linkat(destination.folder(), destination.nameBytes(), folder_.get(), name.c_str(), 0) ==
+          0 ||
+      hasNoMoreLinks(errno)) {
+    return success();
+  }
+  if (errno != EEXIST) return destination.failure("link", errno);
+  return rememberAgain(name, status, destination);
+}
+
+Status HardLinks::rememberAgain(const std::string& name, const struct stat& status,
+                                const FolderEntry& destination) {
+  const std::string spare = randomHiddenName("link");
+  const Result<bool> isKept = linkKept(name, status, {folder_.get(), spare, rootPath_});
+  if (!isKept) return isKept.error();
+  if (isKept.value()) {
+    if (::renameat(folder_.get(), spare.c_str(), destination.folder(), destination.nameBytes()) ==
+        0) {
+      return success();
+    }
     return destination.failure("link", errno);
   }
-  Copied& kept = copied_[{status.st_dev, status.st_ino}];
-  if (!kept.name.empty()) ::unlinkat(folder_.get(), kept.name.c_str(), 0);
-  kept = std::move(copied);
-  return success();
+  // What is kept is an older state.
+  if (::linkat(destination.folder(), destination.nameBytes(), folder_.get(), spare.c_str(), 0) ==
+          0 &&
+      ::renameat(folder_.get(), spare.c_str(), folder_.get(), name.c_str()) == 0) {
+    return success();
+  }
+  return hasNoMoreLinks(errno) ? success() : Status(destination.failure("link", errno));
+}
+
+Status HardLinks::removeKept() {
+  FolderListing listing;
+  FolderListing::Entry entry;
+  const FileDescriptor folder(
+      ::openat(folder_.get(), ".", O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  if (!folder) return folderEntry().failure("open", errno);
+  while (true) {
+    const Result<bool> found = listing.readPiece(folder.get(), rootPath_);
+    if (!found) return found.error();
+    if (!found.value()) return success();
+    while (listing.next(entry)) {
+      if (::unlinkat(folder_.get(), entry.name.c_str(), 0) != 0) {
+        return folderEntry().failure("empty", errno);
+      }
+    }
+  }
 }
 
 Status HardLinks::finish() {
-  if (!folder_) return success();
-  for (const auto& [identity, copied] : copied_) {
-    if (::unlinkat(folder_.get(), copied.name.c_str(), 0) != 0) {
-      return folderEntry().failure("empty", errno);
-    }
+  if (!hasFolder_) return success();
+  constexpr int mostListings = 8;
+  for (int listing = 0; listing < mostListings; ++listing) {
+    if (Status removed = removeKept(); !removed) return removed;
+    if (::unlinkat(root_, folderName_.c_str(), AT_REMOVEDIR) == 0) return success();
+    if (errno != ENOTEMPTY && errno != EEXIST) break;
   }
-  copied_.clear();
-  folder_.reset();
-  if (::unlinkat(root_, folderName_.c_str(), AT_REMOVEDIR) == 0) return success();
   return folderEntry().failure("remove", errno);
 }
 

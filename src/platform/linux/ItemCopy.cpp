@@ -70,36 +70,49 @@ Result<SourceFile> openSourceFile(const FolderEntry& source) {
 }
 
 Status ItemCopy::fill(const SourceFile& file, const FolderEntry& source,
-                      const OpenFile& destination) {
-  Status data = data_.copy({file.descriptor.get(), source}, destination, file.status);
-  return data ? copyMetadata(file.descriptor.get(), destination, file.status) : data;
+                      const OpenFile& destination, MetadataInPlace inPlace, double share) {
+  Status data = data_.copy({file.descriptor.get(), source}, destination, file.status, share);
+  return data ? copyMetadata(file.descriptor.get(), destination, file.status, inPlace) : data;
 }
 
 Status ItemCopy::copyFile(const SourceFile& file, const FolderEntry& source,
-                          const FolderEntry& destination) {
-  const FileDescriptor created(::openat(destination.folder(), destination.nameBytes(),
-                                        O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                                        ownerOnly));
+                          const FolderEntry& destination, double share) {
+  const mode_t mode = newFiles_.modeToAskFor(file.status);
+  FileDescriptor created(::openat(destination.folder(), destination.nameBytes(),
+                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode));
   if (!created) return destination.failure("create", errno);
-  return fill(file, source, {created.get(), destination});
+  if (!newFiles_.learn(created.get(), mode)) return destination.failure("stat", errno);
+  Status filled =
+      fill(file, source, {created.get(), destination}, newFiles_.inPlace(file.status, mode), share);
+  if (!filled) return filled;
+  const int cause = created.close();
+  return cause == 0 ? success() : Status(destination.failure("write", cause));
 }
 
 Status ItemCopy::copyAnything(const SourceFile& file, const FolderEntry& source,
-                              const FolderEntry& destination) {
-  if (file.descriptor) return copyFile(file, source, destination);
+                              const FolderEntry& destination, double share) {
+  if (file.descriptor) return copyFile(file, source, destination, share);
+  operation_.addShare(share);
   if (S_ISLNK(file.status.st_mode)) return copyLink(source, destination, file.status);
   return copyNode(source, destination, file.status);
 }
 
 Result<ItemCopy::Outcome> ItemCopy::copyOnce(const SourceFile& file, const FolderEntry& source,
-                                             const FolderEntry& destination, HardLinks* links) {
+                                             const FolderEntry& destination, HardLinks* links,
+                                             double share) {
+  operation_.addItems(1);
   const bool hasOtherNames = links != nullptr && file.status.st_nlink > 1;
   if (hasOtherNames) {
     const Result<bool> linked = links->link(file.status, destination);
     if (!linked) return linked.error();
-    if (linked.value()) return Outcome::Copied;
+    if (linked.value()) {
+      operation_.addShare(share);
+      return Outcome::Copied;
+    }
   }
-  if (Status copied = copyAnything(file, source, destination); !copied) return copied.error();
+  if (Status copied = copyAnything(file, source, destination, share); !copied) {
+    return copied.error();
+  }
   if (hasOtherNames) {
     if (Status kept = links->remember(file.status, destination); !kept) return kept.error();
   }
@@ -107,11 +120,11 @@ Result<ItemCopy::Outcome> ItemCopy::copyOnce(const SourceFile& file, const Folde
 }
 
 Result<ItemCopy::Outcome> ItemCopy::copy(const FolderEntry& source, const FolderEntry& destination,
-                                         unsigned char type, HardLinks* links) {
+                                         unsigned char type, HardLinks* links, double share) {
   if (type == DT_REG) {
     const Result<SourceFile> file = openSourceFile(source);
     if (!file) return file.error();
-    if (file.value().descriptor) return copyOnce(file.value(), source, destination, links);
+    if (file.value().descriptor) return copyOnce(file.value(), source, destination, links, share);
   }
   SourceFile other;
   if (::fstatat(source.folder(), source.nameBytes(), &other.status, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -125,7 +138,7 @@ Result<ItemCopy::Outcome> ItemCopy::copy(const FolderEntry& source, const Folder
     if (!file.value().descriptor) return source.failure("open", EBUSY);
     other = std::move(file).value();
   }
-  return copyOnce(other, source, destination, links);
+  return copyOnce(other, source, destination, links, share);
 }
 
 }  // namespace tavrin

@@ -83,8 +83,9 @@ Status copyAttribute(const AttributeHolder& source, const AttributeHolder& desti
   return entry.failure("set an attribute of", errno);
 }
 
-Status copyAttributes(const AttributeHolder& source, const AttributeHolder& destination,
-                      const FolderEntry& entry) {
+/// Gives whether there were any.
+Result<bool> copyAttributes(const AttributeHolder& source, const AttributeHolder& destination,
+                            const FolderEntry& entry) {
   std::array<char, 1024> usual;
   std::vector<char> large;
   char* names = usual.data();
@@ -96,12 +97,15 @@ Status copyAttributes(const AttributeHolder& source, const AttributeHolder& dest
     size = source.list(names, large.size());
   }
   if (size < 0) {
-    return isUnknownToFileSystem(errno) ? success() : entry.failure("list attributes for", errno);
+    if (isUnknownToFileSystem(errno)) return false;
+    return entry.failure("list attributes for", errno);
   }
   for (const char* name = names; name < names + size; name += std::strlen(name) + 1) {
-    if (Status status = copyAttribute(source, destination, name, entry); !status) return status;
+    if (Status status = copyAttribute(source, destination, name, entry); !status) {
+      return status.error();
+    }
   }
-  return success();
+  return size > 0;
 }
 
 /// The mode to set once `owned` tells whether owner and group are those of the source.
@@ -130,20 +134,22 @@ void dropInheritedAccess(int descriptor) {
   holder.remove(accessList);
 }
 
-Status copyMetadata(int source, const OpenFile& destination, const struct stat& status) {
+Status copyMetadata(int source, const OpenFile& destination, const struct stat& status,
+                    MetadataInPlace inPlace) {
   const int descriptor = destination.descriptor;
   const FolderEntry& entry = destination.entry;
   // In this order: a change of owner takes set-id bits and capabilities away, an access control
   // list changes the mode, and a mode without write permission refuses attributes.
-  const Result<bool> isOwned = copyOwner(
-      status, entry, [&](uid_t user, gid_t group) { return ::fchown(descriptor, user, group); });
+  const Result<bool> isOwned =
+      inPlace.owner ? Result<bool>(true) : copyOwner(status, entry, [&](uid_t user, gid_t group) {
+        return ::fchown(descriptor, user, group);
+      });
   if (!isOwned) return isOwned.error();
-  if (Status attributes =
-          copyAttributes(AttributeHolder(source), AttributeHolder(descriptor), entry);
-      !attributes) {
-    return attributes;
-  }
-  if (::fchmod(descriptor, modeToSet(status, isOwned.value())) != 0 &&
+  const Result<bool> hasAttributes =
+      copyAttributes(AttributeHolder(source), AttributeHolder(descriptor), entry);
+  if (!hasAttributes) return hasAttributes.error();
+  const bool isModeInPlace = inPlace.mode && inPlace.owner && !hasAttributes.value();
+  if (!isModeInPlace && ::fchmod(descriptor, modeToSet(status, isOwned.value())) != 0 &&
       !isUnknownToFileSystem(errno)) {
     return entry.failure("set the mode of", errno);
   }
@@ -162,9 +168,8 @@ Status copyMetadataByName(const FolderEntry& source, const FolderEntry& destinat
     return ::fchownat(folder, name, user, group, AT_SYMLINK_NOFOLLOW);
   });
   if (!isOwned) return isOwned.error();
-  if (Status copied = copyAttributes(AttributeHolder(source), attributes, destination); !copied) {
-    return copied;
-  }
+  const Result<bool> copied = copyAttributes(AttributeHolder(source), attributes, destination);
+  if (!copied) return copied.error();
   if (!S_ISLNK(status.st_mode) &&
       ::fchmodat(folder, name, modeToSet(status, isOwned.value()), AT_SYMLINK_NOFOLLOW) != 0) {
     return destination.failure("set the mode of", errno);

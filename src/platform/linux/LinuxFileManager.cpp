@@ -141,7 +141,9 @@ Status LinuxFileManager::copy(const std::string& source, const std::string& dest
   if (!from) return from.error();
   const auto to = folders_.locate(destination, ScopeAccess::Change);
   if (!to) return to.error();
-  Status copied = copyItem(reference(from.value()), to.value().reference(), partialItems_);
+  FileOperation operation;
+  Status copied =
+      copyItem(reference(from.value()), to.value().reference(), partialItems_, operation);
   if (copied) noteHidingFailure(*to.value().folder, dropHiddenName(to.value()));
   return copied;
 }
@@ -162,7 +164,9 @@ Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::st
   if (!to) return to.error();
   folders_.letGoBelow(from.value());
   if (Status written = writeMovedList(from.value()); !written) return written;
-  Status moved = moveItem(from.value().reference(), to.value().reference(), partialItems_);
+  FileOperation operation;
+  Status moved =
+      moveItem(from.value().reference(), to.value().reference(), partialItems_, operation);
   if (moved) noteHidingFailure(*from.value().folder, carryHiddenName(from.value(), to.value()));
   return moved;
 }
@@ -176,7 +180,8 @@ Status LinuxFileManager::removeItemAtPath(const std::string& path) {
   const auto item = folders_.locate(path, ScopeAccess::Change);
   if (!item) return item.error();
   folders_.letGoBelow(item.value());
-  Status removed = removeItem(item.value().reference());
+  FileOperation operation;
+  Status removed = removeItem(item.value().reference(), operation);
   if (removed) noteHidingFailure(*item.value().folder, dropHiddenName(item.value()));
   return removed;
 }

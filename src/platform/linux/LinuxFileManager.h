@@ -4,6 +4,7 @@
 
 #include "platform/FileManager.h"
 #include "platform/Log.h"
+#include "platform/linux/FileOperation.h"
 #include "platform/linux/HeldFolders.h"
 #include "platform/linux/LinuxSecurityScope.h"
 #include "platform/linux/PartialItems.h"
@@ -51,7 +52,7 @@ class LinuxFileManager final : public FileManager {
 
  private:
   using Copy = Status(const ItemReference& source, const ItemReference& destination,
-                      PartialItems& partials);
+                      PartialItems& partials, FileOperation& operation);
   Status copy(const std::string& source, const std::string& destination, Copy* copyItem);
   Status writeMovedList(const ItemPlace& item);
   Status dropHiddenName(const ItemPlace& item);

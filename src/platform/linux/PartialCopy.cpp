@@ -41,23 +41,37 @@ bool hasNoNamelessFiles(int cause) {
 }  // namespace
 
 PartialCopy::PartialCopy(const ItemReference& source, const ItemReference& destination,
-                         const PartialItems& partials, CopyPurpose purpose)
-    : source_(source), destination_(destination), partials_(partials), purpose_(purpose) {}
+                         const PartialItems& partials, CopyPurpose purpose,
+                         FileOperation& operation)
+    : source_(source),
+      destination_(destination),
+      partials_(partials),
+      purpose_(purpose),
+      operation_(operation) {}
 
 PartialCopy::~PartialCopy() {
+  discard();
+}
+
+void PartialCopy::discard() {
   if (isNamed_ || !partial_) return;
   content_.reset();
   if (!removePartialItem(destination_, partial_->name())) partial_->keepRecord();
+  partial_.reset();
 }
 
-Status PartialCopy::examineSource() {
+bool PartialCopy::mayTakeLong() const {
+  constexpr off_t largeFile = off_t{1} << 20;
+  return S_ISDIR(sourceStatus_.st_mode) || sourceStatus_.st_size > largeFile;
+}
+
+Status PartialCopy::examine() {
   const int result = ::fstatat(source_.parentDescriptor, source_.name.c_str(), &sourceStatus_,
                                AT_SYMLINK_NOFOLLOW);
   return result == 0 ? success() : Status(FolderEntry(source_).failure("stat", errno));
 }
 
 Status PartialCopy::build() {
-  if (Status examined = examineSource(); !examined) return examined;
   if (stands(destination_)) return FolderEntry(destination_).failure("create", EEXIST);
   if (S_ISREG(sourceStatus_.st_mode)) return buildFile();
   if (S_ISDIR(sourceStatus_.st_mode)) return buildFolder();
@@ -65,7 +79,6 @@ Status PartialCopy::build() {
 }
 
 Status PartialCopy::buildReplacement() {
-  if (Status examined = examineSource(); !examined) return examined;
   if (!S_ISREG(sourceStatus_.st_mode)) {
     return FolderEntry(source_).failure("copy as a file", causeOfNoFile(sourceStatus_.st_mode));
   }
@@ -107,7 +120,14 @@ Status PartialCopy::buildFile() {
   content_ = std::move(created).value();
   dropInheritedAccess(content_.get());
   const FolderEntry destination(destination_);
-  return ItemCopy().fill(file.value(), source, {content_.get(), destination});
+  operation_.addItems(1);
+  Status filled =
+      ItemCopy(operation_).fill(file.value(), source, {content_.get(), destination}, {}, 1);
+  if (!filled) return filled;
+  // A close tells of writing that failed late, whichever handle it is of.
+  FileDescriptor second(::fcntl(content_.get(), F_DUPFD_CLOEXEC, 0));
+  const int cause = second ? second.close() : errno;
+  return cause == 0 ? success() : Status(destination.failure("write", cause));
 }
 
 Status PartialCopy::buildFolder() {
@@ -115,7 +135,7 @@ Status PartialCopy::buildFolder() {
     return FolderEntry(destination_).failure("copy a folder into itself", EINVAL);
   }
   if (Status begun = begin(); !begun) return begun;
-  FolderCopy copy(source_, destination_, partial_->name(), purpose_);
+  FolderCopy copy(source_, destination_, partial_->name(), purpose_, operation_);
   Status copied = copy.run();
   sourceStatus_ = copy.sourceStatus();
   content_ = copy.takeRoot();
@@ -124,8 +144,9 @@ Status PartialCopy::buildFolder() {
 
 Status PartialCopy::buildOther() {
   if (Status begun = begin(); !begun) return begun;
-  const Result<ItemCopy::Outcome> outcome = ItemCopy().copy(
-      FolderEntry(source_), FolderEntry(destination_, partial_->name()), 0, nullptr);
+  const Result<ItemCopy::Outcome> outcome =
+      ItemCopy(operation_)
+          .copy(FolderEntry(source_), FolderEntry(destination_, partial_->name()), 0, nullptr, 1);
   if (!outcome) return outcome.error();
   if (outcome.value() == ItemCopy::Outcome::Copied) return success();
   return FolderEntry(source_).failure("copy", EBUSY);
@@ -140,6 +161,7 @@ Status PartialCopy::makeDurable() {
 }
 
 Status PartialCopy::giveName() {
+  if (operation_.isCancelled()) return FolderEntry(destination_).failure("name", ECANCELED);
   const int folder = destination_.parentDescriptor;
   const std::error_code cause =
       partial_ ? renameToFreeName(folder, partial_->name(), folder, destination_.name)
@@ -151,6 +173,7 @@ Status PartialCopy::giveName() {
 }
 
 Status PartialCopy::replace() {
+  if (operation_.isCancelled()) return FolderEntry(destination_).failure("replace", ECANCELED);
   const int folder = destination_.parentDescriptor;
   if (::renameat(folder, partial_->name().c_str(), folder, destination_.name.c_str()) != 0) {
     return FolderEntry(destination_).failure("replace", errno);

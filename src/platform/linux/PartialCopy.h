@@ -6,6 +6,7 @@
 
 #include "foundation/Result.h"
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/FileOperation.h"
 #include "platform/linux/FolderCopy.h"
 #include "platform/linux/ItemReference.h"
 #include "platform/linux/PartialItems.h"
@@ -18,10 +19,16 @@ class PartialCopy {
  public:
   /// The arguments are borrowed.
   PartialCopy(const ItemReference& source, const ItemReference& destination,
-              const PartialItems& partials, CopyPurpose purpose);
+              const PartialItems& partials, CopyPurpose purpose, FileOperation& operation);
   PartialCopy(const PartialCopy&) = delete;
   PartialCopy& operator=(const PartialCopy&) = delete;
   ~PartialCopy();
+
+  /// Looks at the source; to be done first.
+  Status examine();
+
+  /// True for a folder and a large file.
+  bool mayTakeLong() const;
 
   /// Copies the source; see copyItem for what it keeps and when it fails.
   Status build();
@@ -38,6 +45,9 @@ class PartialCopy {
   /// Puts what `buildReplacement` has built in the place of what has the name.
   Status replace();
 
+  /// Removes what was built unless it has its name; to be done where that may take long.
+  void discard();
+
   /// Makes the name survive a power cut.
   Status makeNameDurable();
 
@@ -45,7 +55,6 @@ class PartialCopy {
   Result<TimeGranularity> timeGranularity();
 
  private:
-  Status examineSource();
   Status buildFile();
   Status buildFolder();
   Status buildOther();
@@ -56,6 +65,7 @@ class PartialCopy {
   const ItemReference& destination_;
   const PartialItems& partials_;
   CopyPurpose purpose_;
+  FileOperation& operation_;
   struct stat sourceStatus_ = {};
   std::optional<PartialItem> partial_;
   /// The open file or folder root, from before its first byte: write-back errors are told to

@@ -138,15 +138,16 @@ Status clearRecords(const std::string& folderPath, Log& log) {
       ::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!folder) return errno == ENOENT ? success() : Status(failureAt("open", folderPath));
   FolderListing listing;
-  listing.start(folder.get(), folderPath);
   FolderListing::Entry entry;
   while (true) {
-    const Result<bool> found = listing.next(entry);
+    const Result<bool> found = listing.readPiece(folder.get(), folderPath);
     if (!found) return found.error();
     if (!found.value()) return success();
-    if (!isRandomHiddenName(entry.name, recordKind)) continue;
-    const Status cleared = clearRecord(appendingPathComponent(folderPath, entry.name));
-    if (!cleared) log.write("A partial item is left alone: " + cleared.error().describe());
+    while (listing.next(entry)) {
+      if (!isRandomHiddenName(entry.name, recordKind)) continue;
+      const Status cleared = clearRecord(appendingPathComponent(folderPath, entry.name));
+      if (!cleared) log.write("A partial item is left alone: " + cleared.error().describe());
+    }
   }
 }
 

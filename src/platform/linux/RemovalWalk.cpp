@@ -16,62 +16,18 @@ namespace {
 
 /// A folder that others keep filling is given up after so many listings.
 constexpr int mostListings = 8;
+// So many items are removed before a thread more could win anything.
+constexpr std::uint64_t itemsBeforeHelp = 64;
+
+bool isNotEmpty(int cause) {
+  return cause == ENOTEMPTY || cause == EEXIST;
+}
 
 }  // namespace
 
-RemovalWalk::RemovalWalk(const ItemReference& item, FolderRights rights)
-    : item_(item), rights_(rights), tree_(item.path) {}
-
-void RemovalWalk::keepUnlessHeldBy(const ItemReference& copy, TimeGranularity granularity) {
-  copyItem_ = &copy;
-  granularity_ = granularity;
-  copy_.emplace(copy.path);
-}
-
-Status RemovalWalk::run() {
-  if (Status removed = removeRoot(); !removed) return removed;
-  if (Status walked = walk(); !walked) return walked;
-  return firstKept_ ? Status(*firstKept_) : success();
-}
-
-Status RemovalWalk::removeRoot() {
-  const FolderEntry root(item_);
-  struct stat status = {};
-  if (::fstatat(root.folder(), root.nameBytes(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
-    return root.failure("remove", errno);
-  }
-  if (S_ISDIR(status.st_mode)) return enter(root);
-  bool isFolder = false;
-  Status removed = removeUnlessFolder(root, isFolder);
-  return removed && isFolder ? enter(root) : removed;
-}
-
-Status RemovalWalk::walk() {
-  while (!levels_.empty()) {
-    Level& level = levels_.back();
-    if (level.subfolders.empty()) {
-      if (Status left = leave(); !left) return left;
-      continue;
-    }
-    const std::string name = std::move(level.subfolders.back());
-    level.subfolders.pop_back();
-    if (Status entered = enter(currentEntry(name)); !entered) return entered;
-  }
-  return success();
-}
-
-FolderEntry RemovalWalk::currentEntry(const std::string& name) const {
-  return levels_.empty() ? FolderEntry(item_) : FolderEntry(tree_.current(), name, tree_.path());
-}
-
-void RemovalWalk::keep(const FolderEntry& entry) {
-  if (!levels_.empty()) levels_.back().hasKept = true;
-  if (!firstKept_) firstKept_ = entry.failure("remove what changed during the copy", EBUSY);
-}
-
-FileDescriptor RemovalWalk::openFolder(const FolderEntry& entry) const {
+FileDescriptor openFolderToEmpty(const FolderEntry& entry, FolderRights rights) {
   FileDescriptor folder = openFolderOfSameMount(entry.folder(), entry.name());
-  if (rights_ == FolderRights::Respect) return folder;
+  if (rights == FolderRights::Respect) return folder;
   if (!folder && errno == EACCES &&
       ::fchmodat(entry.folder(), entry.nameBytes(), S_IRWXU, AT_SYMLINK_NOFOLLOW) == 0) {
     folder = openFolderOfSameMount(entry.folder(), entry.name());
@@ -80,55 +36,161 @@ FileDescriptor RemovalWalk::openFolder(const FolderEntry& entry) const {
   return folder;
 }
 
-Status RemovalWalk::enter(const FolderEntry& folder) {
-  FileDescriptor opened = openFolder(folder);
-  if (!opened) {
-    const int cause = errno;
-    if (cause == ENOENT) return success();
-    if (cause == EXDEV) return folder.failure("remove", EBUSY);
-    bool isFolder = false;
-    if (cause == ENOTDIR || cause == ELOOP) {
-      Status removed = removeUnlessFolder(folder, isFolder);
-      return isFolder ? Status(folder.failure("remove", EBUSY)) : removed;
-    }
-    // A folder that cannot be read can still go when it is empty.
-    if (!copy_ && ::unlinkat(folder.folder(), folder.nameBytes(), AT_REMOVEDIR) == 0) {
-      return success();
-    }
-    return folder.failure("open", cause);
-  }
-  bool isHeldByCopy = true;
-  if (Status entered = enterCopy(folder, isHeldByCopy); !entered) return entered;
-  if (!isHeldByCopy) return success();
-  if (Status entered = tree_.enter(std::move(opened), folder.name()); !entered) return entered;
-  Level level;
-  level.name = folder.name();
-  levels_.push_back(std::move(level));
-  return removeEntries();
+Status RemovalWalk::run(Subtree subtree) {
+  root_ = {subtree.parent.get(), std::move(subtree.name), subtree.path};
+  isRoot_ = subtree.isRoot;
+  folders_ = FolderChain(std::move(subtree.path));
+  copies_ = FolderChain(std::move(subtree.copyPath));
+  levels_.clear();
+  const Status entered =
+      enterOpened(std::move(subtree.folder), std::move(subtree.copy), root_.name, subtree.share);
+  return entered ? walk() : entered;
 }
 
-Status RemovalWalk::enterCopy(const FolderEntry& folder, bool& isHeld) {
-  if (!copy_) return success();
-  const bool isRoot = levels_.empty();
-  FileDescriptor opened =
-      tavrin::openFolder(isRoot ? copyItem_->parentDescriptor : copy_->current(),
-                         isRoot ? copyItem_->name : folder.name());
-  isHeld = static_cast<bool>(opened);
-  if (isHeld) return copy_->enter(std::move(opened), folder.name());
-  keep(folder);
+Status RemovalWalk::removeItem(const ItemReference& item, const ItemReference* copy) {
+  root_ = item;
+  isRoot_ = true;
+  folders_ = FolderChain(item.path);
+  if (copy != nullptr) {
+    copyRoot_ = *copy;
+    copies_ = FolderChain(copy->path);
+  }
+  if (Status removed = removeRoot(); !removed) return removed;
+  if (Status walked = walk(); !walked) return walked;
+  return firstKept_ ? Status(*firstKept_) : success();
+}
+
+Status RemovalWalk::removeRoot() {
+  const FolderEntry root(root_);
+  struct stat status = {};
+  if (::fstatat(root.folder(), root.nameBytes(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    return root.failure("remove", errno);
+  }
+  if (S_ISDIR(status.st_mode)) return enter(root, 1);
+  bool isFolder = false;
+  Status removed = removeUnlessFolder(root, isFolder);
+  return removed && isFolder ? enter(root, 1) : removed;
+}
+
+Status RemovalWalk::walk() {
+  while (!levels_.empty()) {
+    Level& level = levels_.back();
+    Status status = success();
+    if (tree_.workers != nullptr ? tree_.workers->isStopped() : tree_.operation.isCancelled()) {
+      return SystemError{"remove", folders_.path(),
+                         std::make_error_code(std::errc::operation_canceled)};
+    }
+    if (!level.subfolders.isEmpty()) {
+      const std::string name = level.subfolders.pop();
+      status = enter(currentEntry(name), level.shareOfSubfolder);
+    } else if (!level.isListed) {
+      status = removePiece();
+    } else {
+      status = leave();
+    }
+    if (!status) return status;
+  }
   return success();
 }
 
-Status RemovalWalk::removeEntries() {
-  ++levels_.back().listings;
-  FolderListing::Entry entry;
-  listing_.start(tree_.current(), tree_.path());
-  while (true) {
-    const Result<bool> found = listing_.next(entry);
-    if (!found) return found.error();
-    if (!found.value()) return success();
-    if (Status removed = removeEntry(entry.name, entry.type); !removed) return removed;
+FolderEntry RemovalWalk::currentEntry(const std::string& name) const {
+  return levels_.empty() ? FolderEntry(root_)
+                         : FolderEntry(folders_.current(), name, folders_.path());
+}
+
+void RemovalWalk::keep(const FolderEntry& entry) {
+  if (!levels_.empty()) levels_.back().hasKept = true;
+  if (!firstKept_) firstKept_ = entry.failure("remove what changed during the copy", EBUSY);
+}
+
+Status RemovalWalk::removeUnopened(const FolderEntry& folder, int cause) {
+  if (cause == ENOENT) return success();
+  if (cause == EXDEV) return folder.failure("remove", EBUSY);
+  if (cause == ENOTDIR || cause == ELOOP) {
+    bool isFolder = false;
+    Status removed = removeUnlessFolder(folder, isFolder);
+    return isFolder ? Status(folder.failure("remove", EBUSY)) : removed;
   }
+  // A folder that cannot be read can still go when it is empty.
+  if (!tree_.copyGranularity &&
+      ::unlinkat(folder.folder(), folder.nameBytes(), AT_REMOVEDIR) == 0) {
+    return success();
+  }
+  return folder.failure("open", cause);
+}
+
+/// False when the copy has no such folder, so that this one stays.
+bool RemovalWalk::openCopy(const FolderEntry& folder, FileDescriptor& copy) {
+  if (!tree_.copyGranularity) return true;
+  const bool isRoot = levels_.empty();
+  copy = openFolder(isRoot ? copyRoot_.parentDescriptor : copies_.current(),
+                    isRoot ? copyRoot_.name : folder.name());
+  if (!copy) keep(folder);
+  return static_cast<bool>(copy);
+}
+
+Status RemovalWalk::enter(const FolderEntry& folder, double share) {
+  FileDescriptor opened = openFolderToEmpty(folder, tree_.rights);
+  if (!opened) return removeUnopened(folder, errno);
+  FileDescriptor copy;
+  if (!openCopy(folder, copy) || giveAway(opened, copy, folder.name(), share)) return success();
+  return enterOpened(std::move(opened), std::move(copy), folder.name(), share);
+}
+
+bool RemovalWalk::giveAway(FileDescriptor& folder, FileDescriptor& copy, const std::string& name,
+                           double share) {
+  if (tree_.workers == nullptr || levels_.empty() || !tree_.workers->wantsSubtrees() ||
+      tree_.operation.items() < itemsBeforeHelp) {
+    return false;
+  }
+  FileDescriptor parent(::fcntl(folders_.current(), F_DUPFD_CLOEXEC, 0));
+  if (!parent) return false;
+  Subtree subtree = {std::move(folder), std::move(copy), folders_.path() + "/" + name,
+                     copies_.path() + "/" + name};
+  subtree.share = share;
+  subtree.parent = std::move(parent);
+  subtree.name = name;
+  levels_.back().hasGivenAway = true;
+  tree_.workers->give(std::move(subtree));
+  return true;
+}
+
+Status RemovalWalk::enterOpened(FileDescriptor folder, FileDescriptor copy, const std::string& name,
+                                double share) {
+  if (copy) {
+    if (Status entered = copies_.enter(std::move(copy), name); !entered) return entered;
+  }
+  if (Status entered = folders_.enter(std::move(folder), name); !entered) return entered;
+  Level level;
+  level.name = name;
+  level.shareLeft = share;
+  levels_.push_back(std::move(level));
+  return success();
+}
+
+Status RemovalWalk::removePiece() {
+  const Result<bool> found = listing_.readPiece(folders_.current(), folders_.path());
+  if (!found) return found.error();
+  Level& level = levels_.back();
+  if (!found.value()) {
+    level.isListed = true;
+    tree_.operation.addShare(std::exchange(level.shareLeft, 0));
+    return success();
+  }
+  const double share = listing_.isPieceFull() ? level.shareLeft / 2 : level.shareLeft;
+  const auto count = static_cast<double>(listing_.countInPiece());
+  level.shareLeft -= share;
+  level.shareOfSubfolder = share / count;
+  FolderListing::Entry entry;
+  std::uint64_t removed = 0;
+  while (listing_.next(entry)) {
+    if (tree_.operation.isCancelled()) break;
+    if (Status status = removeEntry(entry.name, entry.type); !status) return status;
+    if (entry.type != DT_DIR) ++removed;
+  }
+  tree_.operation.addItems(removed);
+  tree_.operation.addShare(level.shareOfSubfolder * static_cast<double>(removed));
+  return success();
 }
 
 Status RemovalWalk::removeEntry(const std::string& name, unsigned char type) {
@@ -137,19 +199,19 @@ Status RemovalWalk::removeEntry(const std::string& name, unsigned char type) {
     Status removed = removeUnlessFolder(currentEntry(name), isFolder);
     if (!removed) return removed;
   }
-  if (isFolder) levels_.back().subfolders.push_back(name);
+  if (isFolder) levels_.back().subfolders.push(name);
   return success();
 }
 
 Result<bool> RemovalWalk::isHeld(const FolderEntry& entry) const {
-  const bool isRoot = levels_.empty();
-  const FolderEntry copy =
-      isRoot ? FolderEntry(*copyItem_) : FolderEntry(copy_->current(), entry.name(), copy_->path());
-  return isHeldUnchanged(entry, copy, granularity_);
+  const FolderEntry copy = levels_.empty()
+                               ? FolderEntry(copyRoot_)
+                               : FolderEntry(copies_.current(), entry.name(), copies_.path());
+  return isHeldUnchanged(entry, copy, *tree_.copyGranularity);
 }
 
 Status RemovalWalk::removeUnlessFolder(const FolderEntry& entry, bool& isFolder) {
-  if (copy_) {
+  if (tree_.copyGranularity) {
     const Result<bool> held = isHeld(entry);
     if (!held) {
       isFolder = held.error().code.value() == EISDIR;
@@ -167,26 +229,33 @@ Status RemovalWalk::removeUnlessFolder(const FolderEntry& entry, bool& isFolder)
 }
 
 Status RemovalWalk::leave() {
-  const Result<FileDescriptor> left = tree_.leave();
+  const Result<FileDescriptor> left = folders_.leave();
   if (!left) return left.error();
-  if (copy_) {
-    if (const Result<FileDescriptor> copyLeft = copy_->leave(); !copyLeft) return copyLeft.error();
+  if (tree_.copyGranularity) {
+    if (const Result<FileDescriptor> copyLeft = copies_.leave(); !copyLeft) return copyLeft.error();
   }
   const Level level = std::move(levels_.back());
   levels_.pop_back();
+  if (!level.hasKept) return removeLeft(level);
+  keep(currentEntry(level.name));
+  return success();
+}
+
+Status RemovalWalk::removeLeft(const Level& level) {
   const FolderEntry entry = currentEntry(level.name);
-  if (level.hasKept) {
-    keep(entry);
+  if (::unlinkat(entry.folder(), entry.nameBytes(), AT_REMOVEDIR) == 0 || errno == ENOENT) {
+    tree_.operation.addItems(1);
+    if (levels_.empty() && isRoot_ && tree_.isRootRemoved != nullptr) *tree_.isRootRemoved = true;
     return success();
   }
-  if (::unlinkat(entry.folder(), entry.nameBytes(), AT_REMOVEDIR) == 0) return success();
-  if (errno == ENOENT) return success();
-  if ((errno != ENOTEMPTY && errno != EEXIST) || level.listings >= mostListings) {
-    return entry.failure("remove", errno);
+  if (isNotEmpty(errno) && level.hasGivenAway) {
+    if (!levels_.empty()) levels_.back().hasGivenAway = true;
+    return success();
   }
+  if (!isNotEmpty(errno) || level.listings >= mostListings) return entry.failure("remove", errno);
   // Something came in meanwhile, or the listing passed over names while others went.
   const std::size_t depth = levels_.size();
-  if (Status entered = enter(entry); !entered) return entered;
+  if (Status entered = enter(entry, 0); !entered) return entered;
   if (levels_.size() > depth) levels_.back().listings += level.listings;
   return success();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "foundation/Result.h"
+#include "platform/linux/FileOperation.h"
 #include "platform/linux/ItemReference.h"
 
 namespace tavrin {
@@ -15,9 +16,10 @@ class PartialItems;
 /// Items that vanish from the source meanwhile are not in the copy.
 ///
 /// Fails with file_exists when the name is taken, with invalid_argument when the destination lies
-/// in the source, else with the first failure; no part of the copy is left then.
+/// in the source, with operation_canceled when `operation` is cancelled, else with the first
+/// failure; no part of the copy is left then.
 Status copyItem(const ItemReference& source, const ItemReference& destination,
-                PartialItems& partials);
+                PartialItems& partials, FileOperation& operation);
 
 /// Copies a regular file as copyItem does and puts the copy in the place of what has the name: by
 /// one rename, after its bytes are durable, so that a power cut leaves the old item or the copy. A
@@ -25,6 +27,6 @@ Status copyItem(const ItemReference& source, const ItemReference& destination,
 /// folder, with too_many_symbolic_link_levels when the source is a link, with invalid_argument when
 /// it is of another kind, without blocking, else with the first failure; the old item stands then.
 Status copyFileReplacing(const ItemReference& source, const ItemReference& destination,
-                         PartialItems& partials);
+                         PartialItems& partials, FileOperation& operation);
 
 }  // namespace tavrin

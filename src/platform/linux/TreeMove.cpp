@@ -23,12 +23,8 @@ bool isIntoItself(const ItemReference& source, const ItemReference& destination)
          S_ISDIR(status.st_mode) && isFolderAtOrBelow(destination.parentDescriptor, status);
 }
 
-Status moveAcrossFileSystems(const ItemReference& source, const ItemReference& destination,
-                             PartialItems& partials) {
-  if (::faccessat(source.parentDescriptor, ".", W_OK | X_OK, AT_EACCESS) != 0) {
-    return FolderEntry(source).failure("remove", errno);
-  }
-  PartialCopy copy(source, destination, partials, CopyPurpose::Move);
+Status copyThenRemove(PartialCopy& copy, const ItemReference& source,
+                      const ItemReference& destination) {
   if (Status built = copy.build(); !built) return built;
   const Result<TimeGranularity> granularity = copy.timeGranularity();
   if (!granularity) return granularity.error();
@@ -37,13 +33,30 @@ Status moveAcrossFileSystems(const ItemReference& source, const ItemReference& d
   // Leftovers of a power cut are removed at the next start: the source must not go before the copy
   // has its name for good.
   if (Status durable = copy.makeNameDurable(); !durable) return durable;
-  return removeCopiedItem(source, destination, granularity.value());
+  // From here on the move is completed, cancelled or not.
+  FileOperation completion;
+  return removeCopiedItem(source, destination, granularity.value(), completion);
+}
+
+Status moveAcrossFileSystems(const ItemReference& source, const ItemReference& destination,
+                             PartialItems& partials, FileOperation& operation) {
+  if (::faccessat(source.parentDescriptor, ".", W_OK | X_OK, AT_EACCESS) != 0) {
+    return FolderEntry(source).failure("remove", errno);
+  }
+  PartialCopy copy(source, destination, partials, CopyPurpose::Move, operation);
+  if (Status examined = copy.examine(); !examined) return examined;
+  // To be durable takes its time for small files too.
+  return operation.runLongPart([&] {
+    Status moved = copyThenRemove(copy, source, destination);
+    copy.discard();
+    return moved;
+  });
 }
 
 }  // namespace
 
 Status moveItem(const ItemReference& source, const ItemReference& destination,
-                PartialItems& partials) {
+                PartialItems& partials, FileOperation& operation) {
   if (::renameat2(source.parentDescriptor, source.name.c_str(), destination.parentDescriptor,
                   destination.name.c_str(), RENAME_NOREPLACE) == 0) {
     return success();
@@ -58,7 +71,7 @@ Status moveItem(const ItemReference& source, const ItemReference& destination,
                 .value();
     if (cause == 0) return success();
   }
-  if (cause == EXDEV) return moveAcrossFileSystems(source, destination, partials);
+  if (cause == EXDEV) return moveAcrossFileSystems(source, destination, partials, operation);
   const bool isDestinationsFault = cause == EEXIST || cause == ENOSPC || cause == ENAMETOOLONG;
   return FolderEntry(isDestinationsFault ? destination : source).failure("move", cause);
 }

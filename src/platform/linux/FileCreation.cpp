@@ -32,10 +32,16 @@ Status writeAll(int descriptor, const PropertyList::Data& contents, const Folder
 
 /// The owner stays as far as the user may give files away; the rights come last, for a change of
 /// owner takes some of them.
-void takeOverRights(int file, const struct stat& replaced) {
+Status takeOverRights(int file, const struct stat& replaced, const FolderEntry& entry) {
   constexpr mode_t kept = 0777;
   std::ignore = ::fchown(file, replaced.st_uid, replaced.st_gid);
-  ::fchmod(file, replaced.st_mode & kept);
+  if (::fchmod(file, replaced.st_mode & kept) == 0) return success();
+  const int cause = errno;
+  struct stat status = {};
+  // A file system without modes gives both files the same.
+  const bool isSame =
+      ::fstat(file, &status) == 0 && (status.st_mode & kept) == (replaced.st_mode & kept);
+  return isSame ? success() : Status(entry.failure("set the mode of", cause));
 }
 
 Status createUnderTemporaryName(const ItemReference& item, const PropertyList::Data& contents) {
@@ -103,8 +109,8 @@ Status createOrReplaceFile(const ItemReference& item, const PropertyList::Data& 
                                      O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                                      rightsOfNewFiles));
   if (!file) return entry.failure("create", errno);
-  if (rights) takeOverRights(file.get(), *rights);
-  Status done = writeDurably(file.get(), contents, entry);
+  Status done = rights ? takeOverRights(file.get(), *rights, entry) : success();
+  if (done) done = writeDurably(file.get(), contents, entry);
   if (done) done = replaceBy(name, item);
   if (!done && ::unlinkat(item.parentDescriptor, name.c_str(), 0) != 0) {
     partial.value().keepRecord();

@@ -136,11 +136,16 @@ bool DesktopEntry::isStartedIn(std::string_view currentDesktop) const {
   return tryExec_.empty() || findProgram(tryExec_).has_value();
 }
 
-std::optional<std::string> DesktopEntry::program() const {
+std::optional<std::string> DesktopEntry::command() const {
   char** parsed = nullptr;
   if (g_shell_parse_argv(exec_.c_str(), nullptr, &parsed, nullptr) == FALSE) return std::nullopt;
   const GLibPointer<char*> arguments(parsed);
-  return findProgram(withoutFieldCodeEscapes(arguments.get()[0]));
+  return withoutFieldCodeEscapes(arguments.get()[0]);
+}
+
+std::optional<std::string> DesktopEntry::program() const {
+  const auto named = command();
+  return named ? findProgram(*named) : std::nullopt;
 }
 
 std::string autostartEntry(const std::string& name, const std::string& programPath) {

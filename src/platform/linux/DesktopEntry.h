@@ -17,6 +17,9 @@ class DesktopEntry {
   /// (`currentDesktop` as in $XDG_CURRENT_DESKTOP, names joined by ":"), and with its TryExec.
   bool isStartedIn(std::string_view currentDesktop) const;
 
+  /// What Exec has as the program, a path or a name; nothing when Exec is missing or malformed.
+  std::optional<std::string> command() const;
+
   /// The program that Exec names, an absolute path with links resolved; nothing when Exec is
   /// missing, malformed, or names no program that is there.
   std::optional<std::string> program() const;

@@ -14,8 +14,8 @@ constexpr std::size_t trailerSize = 32;
 class BinaryReader {
  public:
   BinaryReader(const std::uint8_t* bytes, std::size_t size,
-               const DataForReference& dataForReference)
-      : bytes_(bytes), size_(size), dataForReference_(dataForReference) {}
+               const DataForReference& dataForReference, const PropertyListLimits& limits)
+      : bytes_(bytes), size_(size), dataForReference_(dataForReference), limits_(limits) {}
 
   std::optional<PropertyList> read();
 
@@ -45,6 +45,7 @@ class BinaryReader {
   const std::uint8_t* bytes_;
   std::size_t size_;
   const DataForReference& dataForReference_;
+  const PropertyListLimits limits_;
   std::size_t offsetWidth_ = 0;
   std::size_t referenceWidth_ = 0;
   std::uint64_t objectCount_ = 0;
@@ -92,13 +93,13 @@ bool BinaryReader::take(std::uint64_t count) {
 bool BinaryReader::takeContent(std::optional<std::uint64_t> count, std::size_t width) {
   if (!count || *count > size_ || !take(*count * width)) return false;
   bytesRead_ += static_cast<std::size_t>(*count) * width;
-  return bytesRead_ <= propertylistlimits::bytes;
+  return bytesRead_ <= limits_.bytes;
 }
 
 std::optional<PropertyList> BinaryReader::object(std::uint64_t index, std::size_t depth) {
   // The limits also end whatever refers to itself.
   if (index >= objectCount_ || depth > PropertyListSerialization::maximumDepth) return std::nullopt;
-  if (++objectsRead_ > propertylistlimits::objects) return std::nullopt;
+  if (++objectsRead_ > limits_.objects) return std::nullopt;
   const std::uint64_t offset =
       numberAt(tableOffset_ + static_cast<std::size_t>(index) * offsetWidth_, offsetWidth_);
   if (offset < headerSize || offset >= tableOffset_) return std::nullopt;
@@ -250,8 +251,9 @@ std::optional<PropertyList> BinaryReader::dictionary(unsigned low, std::size_t d
 }  // namespace
 
 std::optional<PropertyList> propertyListFromBinary(const std::uint8_t* bytes, std::size_t size,
-                                                   const DataForReference& dataForReference) {
-  return BinaryReader(bytes, size, dataForReference).read();
+                                                   const DataForReference& dataForReference,
+                                                   const PropertyListLimits& limits) {
+  return BinaryReader(bytes, size, dataForReference, limits).read();
 }
 
 }  // namespace tavrin

@@ -90,7 +90,7 @@ std::optional<PropertyList::Data> BinaryWriter::write(const PropertyList& root) 
 
 bool BinaryWriter::count(std::size_t bytes) {
   bytes_ += bytes;
-  return ++uses_ <= propertylistlimits::objects && bytes_ <= propertylistlimits::bytes;
+  return ++uses_ <= usualPropertyListLimits.objects && bytes_ <= usualPropertyListLimits.bytes;
 }
 
 std::uint32_t BinaryWriter::append(Object object) {

@@ -13,13 +13,14 @@
 namespace tavrin {
 
 /// What a property list may hold at most when it is taken apart or written.
-namespace propertylistlimits {
-/// Every element of an array and every key and value of a dictionary counts, a shared object of the
-/// binary format as often as it is used, so that a small file cannot grow without end.
-inline constexpr std::size_t objects = 4'000'000;
-/// Bytes of all strings and data, likewise with shared ones counted at each use.
-inline constexpr std::size_t bytes = 256U << 20U;
-}  // namespace propertylistlimits
+struct PropertyListLimits {
+  /// Every element of an array and every key and value of a dictionary counts, a shared object of
+  /// the binary format as often as it is used, so that a small file cannot grow without end.
+  std::size_t objects = 0;
+  /// Bytes of all strings and data, likewise with shared ones counted at each use.
+  std::size_t bytes = 0;
+};
+inline constexpr PropertyListLimits usualPropertyListLimits{4'000'000, std::size_t{256} << 20U};
 
 /// Gives a number for data that the caller keeps elsewhere; nothing for data that stays in place.
 using ReferenceForData =
@@ -34,11 +35,13 @@ using DataForReference = std::function<std::shared_ptr<const PropertyList::Data>
 std::optional<PropertyList::Data> binaryFromPropertyList(const PropertyList& value,
                                                          const ReferenceForData& referenceForData);
 
-/// Takes the binary format apart; nothing for anything malformed. An unsigned integer beyond
-/// 64 signed bits becomes the nearest real. A UID is the data that `dataForReference` gives, or
-/// without it a dictionary of the key "CF$UID", as the XML format has it. Sets read as arrays.
-std::optional<PropertyList> propertyListFromBinary(const std::uint8_t* bytes, std::size_t size,
-                                                   const DataForReference& dataForReference);
+/// Takes the binary format apart; nothing for anything malformed or beyond the limits. An unsigned
+/// integer beyond 64 signed bits becomes the nearest real. A UID is the data that
+/// `dataForReference` gives, or without it a dictionary of the key "CF$UID", as the XML format has
+/// it. Sets read as arrays.
+std::optional<PropertyList> propertyListFromBinary(
+    const std::uint8_t* bytes, std::size_t size, const DataForReference& dataForReference,
+    const PropertyListLimits& limits = usualPropertyListLimits);
 
 /// Apple's XML format (PropertyList-1.0.dtd). XML cannot carry bytes that are no UTF-8 nor most
 /// control characters: such a byte is written as the private-use character U+10F700 plus the byte,

@@ -225,7 +225,7 @@ std::optional<PropertyList> XmlReader::value(std::size_t depth) {
 }
 
 std::optional<PropertyList> XmlReader::valueOf(const Tag& tag, std::size_t depth) {
-  if (++objects_ > propertylistlimits::objects) return std::nullopt;
+  if (++objects_ > usualPropertyListLimits.objects) return std::nullopt;
   if (tag.name != "array" && tag.name != "dict") return scalar(tag);
   if (depth >= PropertyListSerialization::maximumDepth) return std::nullopt;
   return tag.name == "array" ? array(tag, depth + 1) : dictionary(tag, depth + 1);
@@ -268,7 +268,7 @@ std::optional<PropertyList> XmlReader::dictionary(const Tag& tag, std::size_t de
     const auto keyTag = takeTag();
     if (!keyTag || keyTag->isClosing || keyTag->name != "key") return std::nullopt;
     auto key = content(*keyTag);
-    if (!key || ++objects_ > propertylistlimits::objects) return std::nullopt;
+    if (!key || ++objects_ > usualPropertyListLimits.objects) return std::nullopt;
     auto entry = value(depth);
     if (!entry) return std::nullopt;
     entries.insert_or_assign(bytesFromXmlText(std::move(*key)), std::move(*entry));

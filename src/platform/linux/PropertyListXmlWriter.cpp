@@ -75,7 +75,7 @@ std::optional<PropertyList::Data> XmlWriter::write(const PropertyList& root) {
 
 bool XmlWriter::count(std::size_t bytes) {
   bytes_ += bytes;
-  return ++objects_ <= propertylistlimits::objects && bytes_ <= propertylistlimits::bytes;
+  return ++objects_ <= usualPropertyListLimits.objects && bytes_ <= usualPropertyListLimits.bytes;
 }
 
 bool XmlWriter::value(const PropertyList& value, std::size_t depth) {

@@ -9,7 +9,7 @@ from pathlib import Path
 from measuring import pairs
 from measuring.items import big_file, program_sources, small_files, sparse_file
 from measuring.judges import expect_equal
-from measuring.programs import (Coreutils, DurableMove, Gio, PlainFilesystem, Rsync, Tavrin)
+from measuring.programs import Coreutils, DurableMove, Gio, PlainFilesystem, Rsync
 from measuring.results import Row
 
 # Shares of the reference's time that are to be had: by file system and row.
@@ -27,8 +27,10 @@ ROWS = ("copy-small", "copy-small-cold", "delete-small", "move-small", "copy-sou
         "delete-sources", "copy-big", "copy-sparse")
 ACROSS_ROWS = ("across-small", "across-big")
 HOST_ROW = "copy-small-host"
-COLD_FILE_SYSTEM = "ext4"
 HOST_FILE_SYSTEM = "ext4"
+COLD_ROW = "copy-small-cold"
+# The only file systems of rows that take long.
+ROWS_OF_ONE = {COLD_ROW: "ext4", "delete-sources": "ext4"}
 
 
 class Scale:
@@ -41,21 +43,22 @@ class Scale:
             program_sources("mm" if is_quick else ""),
             big_file((256 << 20) if is_quick else (4 << 30)),
             sparse_file((1 if is_quick else 16) << 30))}
+        self.across_small = small_files(5_000 if is_quick else 25_000)
         self.across_big = big_file((128 << 20) if is_quick else (1 << 30))
 
 
 class FileRows:
-    """Measures rows at a place. `data` is a folder for the engine's records; `runs` the number of
-    pairs, and of runs of slow programs. `judged` has the names of the rivals and rows whose copies
-    were compared already: ours are at every place, theirs at the first one.
+    """Measures rows at a place. `ours` is the engine as a program; `runs` says how often
+    (see pairs.py). `judged` has the names of the rivals and rows whose copies were
+    compared already: ours are at every place, theirs at the first one.
     """
 
-    def __init__(self, place, scale, data, runs, judged):
+    def __init__(self, place, scale, ours, runs, judged):
         self._place = place
         self._scale = scale
         self._runs = runs
         self._judged = judged
-        self._ours = Tavrin(data)
+        self._ours = ours
         self._programs = [self._ours, Coreutils(), DurableMove(), Rsync(), Gio(), PlainFilesystem()]
         self._there = place.folder / "there"
         self._there.mkdir()
@@ -90,7 +93,7 @@ class FileRows:
 
     def measure_across(self, key, other):
         """One row of `ACROSS_ROWS`: moves to the place `other`."""
-        item = self._scale.across_big if key == "across-big" else self._scale.items["small"]
+        item = self._scale.across_big if key == "across-big" else self._scale.across_small
         self._make_source(item)
         row = self._row(key, f"move of {item.title} to {other.name}")
         row.seconds = self._move_across(key, item, other)
@@ -108,7 +111,9 @@ class FileRows:
     # What they have in common
 
     def _make_source(self, item):
-        """Makes the item that rows work on, in the place of the last one."""
+        """Makes the item that rows work on in the place of the last one, and clears the ground."""
+        for left in self._there.iterdir():
+            discard(left)
         path = self._place.folder / item.key
         if self._source == path and path.exists():
             return
@@ -120,7 +125,8 @@ class FileRows:
 
     def _measure(self, operation, item, run, programs):
         contenders = [program for program in programs if program.can(operation, item)]
-        return pairs.measure(contenders, self._runs.pairs, self._runs.slow, run)
+        slow = [program for program in contenders if operation in program.slow_operations]
+        return pairs.measure(contenders, slow, self._runs, run)
 
     def _judge(self, key, item, program, source, target):
         name = (self._place.name if program is self._ours else program.name, key)

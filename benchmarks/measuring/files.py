@@ -1,27 +1,20 @@
 """The part "files": copies, moves and removals on several file systems, beside other programs."""
 
+import subprocess
 import tempfile
-from dataclasses import dataclass
 from pathlib import Path
 
-from measuring import plot, results
+from measuring import pairs, plot, results
 from measuring.build import build
-from measuring.file_rows import (ACROSS_ROWS, COLD_FILE_SYSTEM, HOST_FILE_SYSTEM, HOST_ROW, ROWS,
-                                 FileRows, Scale)
+from measuring.file_rows import (ACROSS_ROWS, COLD_ROW, HOST_FILE_SYSTEM, HOST_ROW, ROWS,
+                                 ROWS_OF_ONE, FileRows, Scale)
 from measuring.host_program import HostProgram
 from measuring.places import (FILE_SYSTEMS, describe_machine, file_system, plain_folder,
                               reason_to_skip)
+from measuring.programs import Tavrin
 
 ACROSS = ("ext4", "xfs")
 ALL_ROWS = (*ROWS, *ACROSS_ROWS, HOST_ROW)
-
-
-@dataclass
-class Runs:
-    """How many pairs of runs there are, and runs of the slow programs."""
-
-    pairs: int
-    slow: int
 
 
 class Files:
@@ -33,19 +26,21 @@ class Files:
         self._plot = report / "files.png"
         self._rows, self._about = results.load(self._path)
         self._scale = Scale(options.quick)
-        self._runs = Runs(options.pairs, options.slow_runs)
+        self._runs = pairs.Runs(options.pairs, options.slow_runs)
         self._judged = set()
+        self._failed = []
 
     def measure(self):
-        """All places that are chosen and can be had; says which cannot, and why."""
-        build("file-engine", "plain-filesystem", "tavrin", "tavrin-defaults", "tavrin_resources",
-              "tavrin_icons")
+        """All places that are chosen and can be had; says which cannot, and why. Returns whether
+        everything could be measured there.
+        """
+        chosen = self._options.only or FILE_SYSTEMS
+        build("file-engine", "plain-filesystem")
+        if HOST_FILE_SYSTEM in chosen and self._wants(HOST_ROW):
+            build()
         base = Path(self._options.folder)
         self._about["machine"] = describe_machine(base)
-        self._about["runs"] = f"{self._runs.pairs} pairs, {self._runs.slow} of slow programs"
-        chosen = self._options.only or FILE_SYSTEMS
-        skipped = {name: reason for name in chosen
-                   if (reason := reason_to_skip(name))}
+        skipped = {name: reason for name in chosen if (reason := reason_to_skip(name))}
         for name in chosen:
             self._say_skipped(name, skipped.get(name))
             if name not in skipped:
@@ -55,6 +50,7 @@ class Files:
             with plain_folder(base) as place:
                 self._measure_place(place)
         self._measure_across(base, skipped)
+        return not self._failed
 
     def _say_skipped(self, name, reason):
         self._about.pop(name, None)
@@ -65,15 +61,25 @@ class Files:
     def _wants(self, key):
         return not self._options.rows or key in self._options.rows
 
+    def _wants_at(self, key, place):
+        """A row that takes long is measured on one file system, unless it is asked for."""
+        if key in ROWS_OF_ONE and place.name != ROWS_OF_ONE[key]:
+            return bool(self._options.rows) and key in self._options.rows and key != COLD_ROW
+        return self._wants(key)
+
     def _measure_place(self, place):
         with tempfile.TemporaryDirectory() as data:
-            rows = FileRows(place, self._scale, data, self._runs, self._judged)
-            for key in filter(self._wants, ROWS):
-                if key != "copy-small-cold" or place.name == COLD_FILE_SYSTEM:
-                    self._keep(rows.measure(key))
+            rows = self._rows_at(place, data)
+            for key in ROWS:
+                if self._wants_at(key, place):
+                    self._keep(place, key, rows.measure, key)
             if place.name == HOST_FILE_SYSTEM and self._wants(HOST_ROW):
                 with HostProgram() as host:
-                    self._keep(rows.measure_host(host))
+                    self._keep(place, HOST_ROW, rows.measure_host, host)
+
+    def _rows_at(self, place, data):
+        ours = Tavrin(data, self._options.workers)
+        return FileRows(place, self._scale, ours, self._runs, self._judged)
 
     def _measure_across(self, base, skipped):
         keys = [key for key in ACROSS_ROWS if self._wants(key)]
@@ -87,11 +93,18 @@ class Files:
         with file_system(ACROSS[0], base, self._scale.image) as here, \
                 file_system(ACROSS[1], base, self._scale.image) as there, \
                 tempfile.TemporaryDirectory() as data:
-            rows = FileRows(here, self._scale, data, self._runs, self._judged)
+            rows = self._rows_at(here, data)
             for key in keys:
-                self._keep(rows.measure_across(key, there))
+                self._keep(here, key, rows.measure_across, key, there)
 
-    def _keep(self, row):
+    def _keep(self, place, key, measure, *arguments):
+        """Measures a row and keeps it. One that fails does not keep others from being measured."""
+        try:
+            row = measure(*arguments)
+        except (OSError, RuntimeError, subprocess.CalledProcessError) as error:
+            self._failed.append((place.name, key))
+            print(f"{place.name:<6} {key}: FAILED: {error}", flush=True)
+            return
         print(results.line(row) + (f"; {row.note}" if row.note else ""), flush=True)
         self._rows = results.merged(self._rows, [row])
         results.save(self._path, self._rows, self._about)
@@ -108,8 +121,11 @@ def words(report):
                       if text.startswith("skipped"))
     return f"""## Files
 
-{about['machine']}; {about['runs']}. Medians, with the number of runs where there were fewer.
-The share is ours of `cp -a`, `mv` or `rm -rf`.
+{about['machine']}.
+Medians, with the number of runs where there were fewer than of Tavrin. The share is ours of
+`cp -a`, `mv` or `rm -rf`. Before each run all is written to the disk (`sync`); copies are removed
+outside of the timing, each is compared once with its source. Cold: nothing of the file system is
+in memory, but the programs are.
 
 ![times as shares](files.png)
 

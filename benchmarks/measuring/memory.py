@@ -87,23 +87,35 @@ class Memory:
         self._count = 20_000 if options.quick else 1_000_000
         self._base = options.folder
         self._path = report / "memory.json"
-        self._peaks = {}
+        self._growth = {}
+        # The engine's folder of records.
+        self._data = None
 
     def measure(self):
-        """All shapes: in memory where that can be mounted, else in a folder of the disk."""
+        """All shapes: in memory where that can be mounted, else in a folder of the disk. Returns
+        whether all could be measured.
+        """
         build("file-engine")
         with tempfile.TemporaryDirectory() as data:
             self._data = data
             idle = min(self._peak("recover") for _ in range(3))
             print(f"idle {idle / 2**20:.1f} MiB; targets {TARGET / 2**20:.0f} MiB more at most")
             for title, make in SHAPES.items():
-                with self._places() as here, self._places() as there:
-                    peaks = self._measure_shape(make, here.folder, there.folder)
-                growth = {name: peak - idle for name, peak in peaks.items()}
-                print(f"{title}: {_growth_in_words(growth)}", flush=True)
-                self._peaks[title] = growth
+                self._keep(title, make, idle)
+        return len(self._growth) == len(SHAPES)
+
+    def _keep(self, title, make, idle):
+        """Measures a shape. One that fails does not keep others from being measured."""
+        try:
+            with self._places() as here, self._places() as there:
+                peaks = self._measure_shape(make, here.folder, there.folder)
+        except (OSError, subprocess.CalledProcessError) as error:
+            print(f"{title}: FAILED: {error}", flush=True)
+            return
+        self._growth[title] = {name: peak - idle for name, peak in peaks.items()}
+        print(f"{title}: {_growth_in_words(self._growth[title])}", flush=True)
         self._path.write_text(json.dumps(
-            {"count": self._count, "idle": idle, "growth": self._peaks}, indent=1) + "\n")
+            {"count": self._count, "idle": idle, "growth": self._growth}, indent=1) + "\n")
 
     def _places(self):
         if reason_to_skip("tmpfs") is None:
@@ -147,7 +159,8 @@ def words(report):
     return f"""## Memory
 
 What the peak of the engine's process is above that of an idle one, which is
-{content['idle'] / 2**20:.1f} MiB, for {content['count']:,} entries. The target is {TARGET / 2**20:.0f} MiB.
+{content['idle'] / 2**20:.1f} MiB, for {content['count']:,} entries.
+The target is {TARGET / 2**20:.0f} MiB.
 
 | tree | {' | '.join(OPERATIONS)} |
 |---|--:|--:|--:|

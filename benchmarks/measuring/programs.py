@@ -13,8 +13,8 @@ class Program:
 
     # As the tables call it.
     name = ""
-    # Whether a few runs have to do where each takes long.
-    is_slow = False
+    # In which a few runs have to do, because each takes long.
+    slow_operations = ()
     # What the program keeps of an item, as the options of rsync that compare the copy with it.
     keeps = "-aHAX"
 
@@ -94,7 +94,7 @@ class DurableMove(Program):
 
 class Rsync(Program):
     name = "rsync -aHAX"
-    is_slow = True
+    slow_operations = ("copy",)
 
     def copy(self, item, source, target):
         options = "-aHAXS" if item.is_sparse else "-aHAX"
@@ -125,7 +125,7 @@ class PlainFilesystem(Program):
     """Copies bytes, modes and links, and fills holes."""
 
     name = "std::filesystem"
-    is_slow = True
+    slow_operations = ("copy",)
     keeps = "-rlp"
 
     def copy(self, item, source, target):

@@ -92,12 +92,12 @@ def time_in_words(seconds):
 
 def markdown(rows):
     """The table of rows; a cell has the median, and the number of runs where it is not Tavrin's."""
-    lines = ["| file system | work | " + " | ".join(COLUMNS) + " | share | target | |",
-             "|---|---|" + "--:|" * (len(COLUMNS) + 1) + "---|---|"]
+    lines = ["| file system | work | " + " | ".join(COLUMNS) + " | runs | share | target | |",
+             "|---|---|" + "--:|" * (len(COLUMNS) + 2) + "---|---|"]
     for row in rows:
         cells = [_cell(row, column) for column in COLUMNS]
-        lines.append(f"| {row.place} | {row.title} | {' | '.join(cells)} | {row.ratio():.2f} | "
-                     f"{row.target()} | {row.verdict()} |")
+        cells += [str(len(row.seconds[OURS])), f"{row.ratio():.2f}", row.target(), row.verdict()]
+        lines.append(f"| {row.place} | {row.title} | {' | '.join(cells)} |")
     return "\n".join(lines) + "\n"
 
 

@@ -6,7 +6,7 @@ import shutil
 import signal
 import time
 
-from host_world import PATIENCE, World, tools
+from host_world import World, tools
 from host_work import Copying, Moving, build_tree
 from programme import Row
 
@@ -41,6 +41,7 @@ class Rounds:
         self.world = world
         self.number = 0
         self.in_the_making = 0
+        self.slowest = 0.0
 
     def prepare(self):
         """Long requests in folders of the round's own."""
@@ -94,7 +95,7 @@ class Rounds:
             os.kill(process, signal.SIGCONT)
 
     def bus_hangs(self, has_host):
-        """Hosts and senders end, or do their own work, while the bus hangs; nothing is done twice."""
+        """Hosts and senders come to an end while the bus hangs; nothing is done twice."""
         world = self.world
         if not has_host:
             world.end_host()
@@ -114,7 +115,7 @@ class Rounds:
                     world.damage("blocked", "a second host waits for the bus without end")
                     break
                 time.sleep(0.05)
-            self.slowest = max(getattr(self, "slowest", 0), time.monotonic() - start)
+            self.slowest = max(self.slowest, time.monotonic() - start)
         world.wait_for_senders([sender])
         if second.poll() is None and second.pid != world.host():
             second.terminate()
@@ -130,11 +131,11 @@ def rounds_of(method, *arguments):
         with bus_world(context, result) as world:
             rounds = Rounds(world)
             while result.tried < context.times and result.damages < 10:
-                getattr(rounds, method)(*arguments)
+                method(rounds, *arguments)
                 result.tried += 1
             if rounds.in_the_making:
                 result.note(f"{rounds.in_the_making} times something was in the making.")
-            if hasattr(rounds, "slowest"):
+            if rounds.slowest:
                 result.note(f"The longest wait was {rounds.slowest:.0f} s.")
     return run
 
@@ -143,16 +144,16 @@ ROWS = [
     Row("The bus goes while the host works",
         "The session bus is killed while the host copies and moves between two file systems; the "
         "host ends, nothing is lost or half-named, and with another bus the next start clears what "
-        "is left and serves.", 30, 1, rounds_of("bus_goes", True), is_for_sanitizers=False),
+        "is left and serves.", 30, 1, rounds_of(Rounds.bus_goes, True), is_for_sanitizers=False),
     Row("The bus goes while the host is idle",
-        "As before, with nothing to do.", 30, 1, rounds_of("bus_goes", False),
+        "As before, with nothing to do.", 30, 1, rounds_of(Rounds.bus_goes, False),
         is_for_sanitizers=False),
     Row("The bus hangs while a request is handed over",
         "The session bus is stopped; a second host with a request file and a sender come to their "
         "ends in time, the first host lives, and no request is carried out twice when the bus goes "
-        "on.", 3, 0, rounds_of("bus_hangs", True), is_for_sanitizers=False),
+        "on.", 3, 0, rounds_of(Rounds.bus_hangs, True), is_for_sanitizers=False),
     Row("The bus hangs while the host starts",
         "As before, with no host that runs; once the bus goes on, requests are served.", 3, 0,
-        rounds_of("bus_hangs", False), is_for_sanitizers=False),
+        rounds_of(Rounds.bus_hangs, False), is_for_sanitizers=False),
 ]
 SELF_TESTS = []

@@ -33,15 +33,15 @@ class Work:
 
     action = ""
 
-    def __init__(self, source, folder):
+    def __init__(self, source, folder, whole=None):
         self.source = source
         self.folder = folder
         self.result = folder / source.name
-        self.whole = manifest_of(source)
+        self.whole = whole or manifest_of(source)
         folder.mkdir(parents=True, exist_ok=True)
 
-    def send(self, world, **options):
-        return world.send(self.action, self.source, ToPath=self.folder, **options)
+    def send(self, world):
+        return world.send(self.action, self.source, ToPath=self.folder)
 
     def is_done(self):
         """Whether it has been carried out."""
@@ -83,16 +83,16 @@ class Moving(Work):
 class Pasting(Moving):
     action = "pasteSelectedFiles"
 
-    def send(self, world, **options):
+    def send(self, world):
         url = "file://" + quote_from_bytes(os.fsencode(self.source))
-        return world.send(self.action, CuttingFilesURL=url, PasteInPath=self.folder, **options)
+        return world.send(self.action, CuttingFilesURL=url, PasteInPath=self.folder)
 
 
 class Deleting(Work):
     action = "deleteDirectlySelectedFiles"
 
-    def send(self, world, **options):
-        return world.send(self.action, self.source, **options)
+    def send(self, world):
+        return world.send(self.action, self.source)
 
     def is_done(self):
         return not self.source.exists()
@@ -114,8 +114,8 @@ class Hiding(Work):
         self.names = sorted(name for name in os.listdir(source) if name != ".hidden")
         super().__init__(source, folder)
 
-    def send(self, world, **options):
-        return world.send(self.action, Path=self.source, **options)
+    def send(self, world):
+        return world.send(self.action, Path=self.source)
 
     def is_done(self):
         return self.list.exists() and self.list.read_text() != self.others
@@ -145,8 +145,8 @@ class Creating(Work):
         super().__init__(template, folder)
         self.result = folder / f"untitled{template.suffix}"
 
-    def send(self, world, **options):
-        return world.send(self.action, Path=self.folder, Tag=0, **options)
+    def send(self, world):
+        return world.send(self.action, Path=self.folder, Tag=0)
 
     def check(self, complain):
         if self.result.exists() and self.result.read_bytes() != self.source.read_bytes():

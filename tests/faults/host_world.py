@@ -27,7 +27,7 @@ def tools():
 
 
 class World:
-    """Use as a context manager. The host may work everywhere: it has been granted the whole disk."""
+    """Use as a context manager. The host may work everywhere: the whole disk is granted."""
 
     def __init__(self, context, result, session=None):
         missing = [name for name in NEEDED if shutil.which(name) is None]
@@ -62,7 +62,7 @@ class World:
 
     # The host
 
-    def start(self, environment=None):
+    def start(self):
         """Starts the host, unless the bus has, and waits until it serves requests."""
         self.session.start_waiting_host()
 
@@ -106,12 +106,12 @@ class World:
 
     # Requests
 
-    def send(self, action, *items, environment=None, **values):
+    def send(self, action, *items, **values):
         """Starts a process that sends a request; returns it."""
         words = [f"{key}={value}" for key, value in values.items()]
         return subprocess.Popen(
             [tools().BUILD_DIR / "bin" / "tavrin-request", action, *words, "--", *items],
-            env=environment or self.session.environment, stdin=subprocess.DEVNULL,
+            env=self.session.environment, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
     def wait_for_senders(self, senders):
@@ -136,14 +136,14 @@ class World:
             time.sleep(0.01)
         return True
 
-    def serves(self, environment=None):
+    def serves(self):
         """Whether the host carries out a request, and so has those before it."""
         self._served += 1
         source = self.files / "served" / f"{self._served}.txt"
         arrived = self.files / "served" / "there" / source.name
         arrived.parent.mkdir(parents=True, exist_ok=True)
         source.write_text("served")
-        sender = self.send("copyFilesTo", source, ToPath=arrived.parent, environment=environment)
+        sender = self.send("copyFilesTo", source, ToPath=arrived.parent)
         if self.wait_for_senders([sender]) != [0]:
             self.damage("blocked", "the host accepts no request")
             return False

@@ -9,7 +9,8 @@ import subprocess
 STEPS_OF_TURN = 3
 ROWS = 6
 DIFFERENT_ICONS = 40
-FILES = {"defaults.sqlite", "defaults.sqlite-wal", "defaults.sqlite-shm", "defaults.lock"}
+FILES = {"defaults.sqlite", "defaults.sqlite-wal", "defaults.sqlite-shm", "defaults.lock",
+         "bookmark.key"}
 PATIENCE = 30
 
 

@@ -39,7 +39,7 @@ class Injector:
         return self.marker in match[3] and match[2] != "execve"
 
     def trace(self, *options: str) -> tuple[Outcome, list[str]]:
-        with tempfile.NamedTemporaryFile(prefix="tavrin-faults-", mode="r", errors="replace") as log:
+        with tempfile.NamedTemporaryFile("r", prefix="tavrin-faults-", errors="replace") as log:
             command = ["strace", "-f", "-qq", "-o", log.name, "-e", "signal=none", *options,
                        *self.engine.command(*self.words, workers=self.workers)]
             start = time.monotonic()

@@ -10,8 +10,8 @@ from trees import build_many, build_one_of_each
 
 OPERATIONS = ("copy", "move", "remove", "hide")
 WRITING = {"write", "pwrite64", "writev", "pwritev", "copy_file_range", "sendfile", "splice",
-           "fallocate", "ftruncate", "open", "openat", "openat2", "mkdir", "mkdirat", "link", "linkat",
-           "symlinkat", "mknodat", "rename", "renameat", "renameat2", "fsetxattr", "lsetxattr",
+           "fallocate", "ftruncate", "open", "openat", "openat2", "mkdir", "mkdirat", "link",
+           "linkat", "symlinkat", "mknodat", "rename", "renameat", "renameat2", "fsetxattr", "lsetxattr",
            "setxattr", "fsync", "fdatasync", "syncfs", "close", "ioctl", "fchown", "fchownat"}
 
 

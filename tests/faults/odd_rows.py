@@ -1,4 +1,4 @@
-"""Trees with what is rare: odd kinds, odd names, great depth, mounts inside, what cannot be changed."""
+"""Trees with what is rare: odd kinds and names, great depth, mounts, what cannot be changed."""
 
 import contextlib
 import os
@@ -180,8 +180,8 @@ ROWS = [
         "A copy holds what is mounted; a move and a removal, also of the mount itself, fail and "
         "leave it whole.", 4, 4, mount_inside),
     Row("Immutable items (chattr +i)",
-        "A file and folders at several places of the tree cannot be changed: a copy succeeds, a move "
-        "and a removal fail, and each item is whole in one place at least.", 12, 12,
+        "A file and folders at several places of the tree cannot be changed: a copy succeeds, a "
+        "move and a removal fail, and each item is whole in one place at least.", 12, 12,
         immutable_items),
     Row("Flags that the destination has not", "Flags of files (chattr) are no hindrance.", 3, 3,
         no_attributes),
@@ -209,7 +209,8 @@ def depth_is_seen(context: Context) -> None:
 def lost_holes_are_seen(context: Context) -> None:
     with context.scratch() as folder:
         build_one_of_each(f"{folder}/one")
-        subprocess.run(["cp", "-a", "--sparse=never", f"{folder}/one", f"{folder}/other"], check=True)
+        subprocess.run(["cp", "-a", "--sparse=never", f"{folder}/one", f"{folder}/other"],
+                       check=True)
         assert allocated(f"{folder}/other") > allocated(f"{folder}/one") + 65536
 
 

@@ -25,7 +25,7 @@ DAMAGES = {
 
 
 class NotHere(Exception):
-    """Why a row cannot be tried on this machine. Raised by the row, before it has tried anything."""
+    """Why a row cannot be tried on this machine."""
 
 
 @dataclasses.dataclass

@@ -65,7 +65,8 @@ class Scene:
                   "remove": [self.source]}
         return [operation, *places[operation]]
 
-    def check(self, operation: str, outcome: Outcome, about: str, may_be_left: bool = False) -> None:
+    def check(self, operation: str, outcome: Outcome, about: str,
+              may_be_left: bool = False) -> None:
         """Looks at everything. `about` says which fault it was; `may_be_left`, that a part of a
         copy may stand until the next start clears it."""
         if outcome.is_blocked or outcome.has_crashed:

@@ -85,8 +85,8 @@ class ShiftingTree:
         descriptor = os.open(f"{self.root}/{file.path}", os.O_WRONLY | os.O_APPEND)
         try:
             os.write(descriptor, more)
-            # What is written to a file that has no name any more is lost with any program.
-            if os.fstat(descriptor).st_nlink > 0:
+            # What is written to a file that has lost its name meanwhile no program could keep.
+            if os.path.exists(f"{self.root}/{file.path}"):
                 file.size += len(more)
         finally:
             os.close(descriptor)

@@ -107,15 +107,16 @@ def check(result: Result, outcome: Outcome, tree: ShiftingTree, operation: str, 
 
 
 ROWS = [
-    Row("Read-only disks", "A copy, a move, a removal, a hiding and a creation, from a read-only disk "
-        "and to one: a copy from it succeeds, all else fails and changes nothing.", 8, 8, read_only),
+    Row("Read-only disks",
+        "A copy, a move, a removal, a hiding and a creation, from a read-only disk and to one: a "
+        "copy from it succeeds, all else fails and changes nothing.", 8, 8, read_only),
     Row("A source that changes during a copy",
-        "Files are deleted, renamed, shortened and made longer as fast as it goes; what is in a file "
-        "tells where it is from. A copy holds nothing that was never there.",
+        "Files are deleted, renamed, shortened and made longer as fast as it goes; what is in a "
+        "file tells where it is from. A copy holds nothing that was never there.",
         2000, 20, shift_during("copy")),
     Row("A source that changes during a move",
-        "The same for a move to another file system: each file that was not deleted stands with its "
-        "last length in the old or the new place.", 2000, 20, shift_during("move")),
+        "The same for a move to another file system: each file that was not deleted stands with "
+        "its last length in the old or the new place.", 2000, 20, shift_during("move")),
     Row("A tree that changes during its removal", "The same for a removal: what is left is whole.",
         1000, 10, shift_during("remove")),
 ]

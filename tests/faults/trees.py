@@ -33,7 +33,7 @@ def set_attribute(path: str, name: str, value: bytes) -> None:
         pass
 
 
-def build_many(root: str, folders: int = 8, files: int = 16, step: int = 6000) -> None:
+def build_many(root: str, folders: int = 8, files: int = 16, step: int = 2500) -> None:
     """A tree with files of many sizes, and a link, a hard link and a file with holes per folder."""
     os.mkdir(root)
     source = random.Random(folders * files)

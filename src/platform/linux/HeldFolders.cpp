@@ -1,5 +1,7 @@
 #include "platform/linux/HeldFolders.h"
 
+#include <algorithm>
+
 #include "foundation/PathString.h"
 
 namespace tavrin {
@@ -53,8 +55,18 @@ FileManager::Batch HeldFolders::batch() {
           }};
 }
 
+/// A folder may be let go while an operation in it runs, by what others do meanwhile.
+bool HeldFolders::isHeld(const HeldFolder& folder) const {
+  return std::any_of(held_.begin(), held_.end(),
+                     [&](const auto& entry) { return entry.second.get() == &folder; });
+}
+
 Status HeldFolders::finish(HeldFolder& folder) {
-  return batches_ > 0 ? success() : folder.hidden.write();
+  return isHeld(folder) ? success() : folder.hidden.write();
+}
+
+void HeldFolders::writeWaitingChanges() {
+  for (const auto& entry : held_) letGo(*entry.second);
 }
 
 void HeldFolders::letGo(HeldFolder& folder) {

@@ -56,11 +56,15 @@ class HeldFolders {
   /// end of the batch.
   Status finish(HeldFolder& folder);
 
+  /// Writes the changes that wait for the end of the batch; a failure reaches the log.
+  void writeWaitingChanges();
+
   /// To be called before an item goes: its path leads elsewhere then.
   void letGoBelow(const ItemPlace& item);
 
  private:
   std::shared_ptr<HeldFolder> heldFolder(std::string_view path) const;
+  bool isHeld(const HeldFolder& folder) const;
   void letGo(HeldFolder& folder);
   void letGoAll();
 

@@ -56,13 +56,29 @@ int LinuxApplication::run() {
   delegate_->applicationDidFinishLaunching();
   const int status = terminating_ ? 0 : QApplication::exec();
 
+  stopIntake();
+  handleRemaining();
+  announceEnd();
+  return status;
+}
+
+void LinuxApplication::stopIntake() {
   terminating_ = true;
   stopAskingTheUser();
   intake_.stop();
-  handleRemaining();
+}
+
+void LinuxApplication::announceEnd() {
   delegate_->applicationWillTerminate();
   if (wantsSuccessor_) launchSuccessor();
-  return status;
+}
+
+void LinuxApplication::terminateNow() {
+  stopIntake();
+  // They join the delegate's line, which is not worked off any more.
+  while (accepted_.size() > 0) deliverNext();
+  announceEnd();
+  exitImmediately(0);
 }
 
 void LinuxApplication::deliverNext() {
@@ -119,6 +135,7 @@ void LinuxApplication::terminate() {
 }
 
 void LinuxApplication::exitImmediately(int status) {
+  if (beforeEnd_) beforeEnd_();
   if (const std::size_t waiting = accepted_.size(); waiting > 0) {
     log_.write("the program ends before " + std::to_string(waiting) + " accepted requests");
   }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include <functional>
+#include <utility>
+
 #include "platform/Application.h"
 #include "platform/Log.h"
 #include "platform/linux/AcceptedRequests.h"
@@ -30,8 +33,22 @@ class LinuxApplication final : public Application {
   void terminate() override;
   [[noreturn]] void exitImmediately(int status) override;
 
+  /// Whether the program is to end, once it has handled what it has accepted.
+  bool isTerminating() const { return terminating_; }
+
+  /// Ends the process in the middle of a command, once the program is to end: as `run` does after
+  /// the event loop, but the command stays undone, and the requests that wait behind it, which the
+  /// log hears of.
+  [[noreturn]] void terminateNow();
+
+  /// `beforeEnd` is called when the process ends by terminateNow or exitImmediately: what is done
+  /// must not be lost. It waits for nobody.
+  void setBeforeEnd(std::function<void()> beforeEnd) { beforeEnd_ = std::move(beforeEnd); }
+
  private:
   void deliverNext();
+  void stopIntake();
+  void announceEnd();
   void handleRemaining();
   void launchSuccessor();
 
@@ -39,6 +56,7 @@ class LinuxApplication final : public Application {
   BusIntake& intake_;
   TerminationSignals& signalsToEnd_;
   Log& log_;
+  std::function<void()> beforeEnd_;
   ApplicationDelegate* delegate_ = nullptr;
   bool terminating_ = false;
   bool endedBySignal_ = false;

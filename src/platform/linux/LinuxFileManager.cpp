@@ -45,6 +45,15 @@ bool isSymbolicLink(const LocatedItem& item) {
          S_ISLNK(status.st_mode);
 }
 
+SystemError cancelled(const char* operation, const std::string& path) {
+  return systemError(operation, path, std::errc::operation_canceled);
+}
+
+/// What is done in a moment, such as a rename, says nothing of itself.
+void noteEnd(const Status& status, FileOperation& operation) {
+  if (status && operation.items() == 0) operation.addItems(1);
+}
+
 bool isFileName(const std::string& name) {
   return !name.empty() && name != "." && name != ".." &&
          name.find_first_of(std::string_view("/\0", 2)) == std::string::npos;
@@ -52,13 +61,15 @@ bool isFileName(const std::string& name) {
 
 }  // namespace
 
-LinuxFileManager::LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log)
-    : LinuxFileManager(securityScope, log, userDataDirectory()) {}
+LinuxFileManager::LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log,
+                                   OperationWatch* watch)
+    : LinuxFileManager(securityScope, log, userDataDirectory(), watch) {}
 
 LinuxFileManager::LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log,
-                                   std::string dataFolder)
+                                   std::string dataFolder, OperationWatch* watch)
     : scopes_(securityScope.startedScopes()),
       log_(log),
+      watch_(watch),
       dataFolder_(std::move(dataFolder)),
       partialItems_(recordFolder(dataFolder_)),
       folders_(scopes_, partialItems_, log) {}
@@ -135,15 +146,22 @@ Status LinuxFileManager::createDirectoryAtPath(const std::string& path,
   return success();
 }
 
+std::unique_ptr<FileOperation> LinuxFileManager::begin(OperationKind kind,
+                                                       const std::string& path) {
+  return watch_ == nullptr ? std::make_unique<FileOperation>() : watch_->operation(kind, path);
+}
+
 Status LinuxFileManager::copy(const std::string& source, const std::string& destination,
                               Copy* copyItem) {
+  const auto operation = begin(OperationKind::Copy, source);
+  if (operation->isCancelled()) return cancelled("copy", source);
   const auto from = scopes_.locate(source, ScopeAccess::Read);
   if (!from) return from.error();
   const auto to = folders_.locate(destination, ScopeAccess::Change);
   if (!to) return to.error();
-  FileOperation operation;
   Status copied =
-      copyItem(reference(from.value()), to.value().reference(), partialItems_, operation);
+      copyItem(reference(from.value()), to.value().reference(), partialItems_, *operation);
+  noteEnd(copied, *operation);
   if (copied) noteHidingFailure(*to.value().folder, dropHiddenName(to.value()));
   return copied;
 }
@@ -158,15 +176,17 @@ Status LinuxFileManager::copyFileReplacingAtPath(const std::string& source,
 }
 
 Status LinuxFileManager::moveItemAtPath(const std::string& source, const std::string& destination) {
+  const auto operation = begin(OperationKind::Move, source);
+  if (operation->isCancelled()) return cancelled("move", source);
   const auto from = folders_.locate(source, ScopeAccess::Change);
   if (!from) return from.error();
   const auto to = folders_.locate(destination, ScopeAccess::Change);
   if (!to) return to.error();
   folders_.letGoBelow(from.value());
   if (Status written = writeMovedList(from.value()); !written) return written;
-  FileOperation operation;
   Status moved =
-      moveItem(from.value().reference(), to.value().reference(), partialItems_, operation);
+      moveItem(from.value().reference(), to.value().reference(), partialItems_, *operation);
+  noteEnd(moved, *operation);
   if (moved) noteHidingFailure(*from.value().folder, carryHiddenName(from.value(), to.value()));
   return moved;
 }
@@ -177,11 +197,13 @@ Status LinuxFileManager::writeMovedList(const ItemPlace& item) {
 }
 
 Status LinuxFileManager::removeItemAtPath(const std::string& path) {
+  const auto operation = begin(OperationKind::Remove, path);
+  if (operation->isCancelled()) return cancelled("remove", path);
   const auto item = folders_.locate(path, ScopeAccess::Change);
   if (!item) return item.error();
   folders_.letGoBelow(item.value());
-  FileOperation operation;
-  Status removed = removeItem(item.value().reference(), operation);
+  Status removed = removeItem(item.value().reference(), *operation);
+  noteEnd(removed, *operation);
   if (removed) noteHidingFailure(*item.value().folder, dropHiddenName(item.value()));
   return removed;
 }
@@ -198,7 +220,11 @@ Status LinuxFileManager::setHiddenAtPath(const std::string& path, IsHidden isHid
 }
 
 FileManager::Batch LinuxFileManager::batch() {
-  return folders_.batch();
+  if (watch_ == nullptr) return folders_.batch();
+  // What waits is written while the command still lasts: the second goes first.
+  auto series = watch_->series();
+  return std::make_shared<std::pair<std::shared_ptr<void>, Batch>>(std::move(series),
+                                                                   folders_.batch());
 }
 
 Status LinuxFileManager::dropHiddenName(const ItemPlace& item) {

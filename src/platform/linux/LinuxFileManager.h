@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <string>
 
 #include "platform/FileManager.h"
@@ -7,6 +8,7 @@
 #include "platform/linux/FileOperation.h"
 #include "platform/linux/HeldFolders.h"
 #include "platform/linux/LinuxSecurityScope.h"
+#include "platform/linux/OperationWatch.h"
 #include "platform/linux/PartialItems.h"
 
 namespace tavrin {
@@ -14,11 +16,14 @@ namespace tavrin {
 /// FileManager by handles beneath the started scopes (see StartedScopes).
 class LinuxFileManager final : public FileManager {
  public:
-  /// Containers and the records of partial items lie below $XDG_DATA_HOME.
-  LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log);
+  /// Containers and the records of partial items lie below $XDG_DATA_HOME. `watch` sees what may
+  /// take long; it outlives this object, and without one nobody does.
+  LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log,
+                   OperationWatch* watch = nullptr);
 
   /// The same with another folder, an absolute path, than $XDG_DATA_HOME.
-  LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log, std::string dataFolder);
+  LinuxFileManager(const LinuxSecurityScope& securityScope, Log& log, std::string dataFolder,
+                   OperationWatch* watch = nullptr);
 
   bool fileExistsAtPath(const std::string& path) const override;
   bool isDirectoryAtPath(const std::string& path) const override;
@@ -44,6 +49,9 @@ class LinuxFileManager final : public FileManager {
   std::optional<std::string> containerPathForSecurityApplicationGroupIdentifier(
       const std::string& groupIdentifier) override;
 
+  /// Writes what waits for the end of a batch; for an end of the program in the middle of one.
+  void writeWaitingChanges() { folders_.writeWaitingChanges(); }
+
   /// Removes what killed processes of the program have left half made. For an idle moment.
   void clearLeftovers();
 
@@ -54,6 +62,7 @@ class LinuxFileManager final : public FileManager {
   using Copy = Status(const ItemReference& source, const ItemReference& destination,
                       PartialItems& partials, FileOperation& operation);
   Status copy(const std::string& source, const std::string& destination, Copy* copyItem);
+  std::unique_ptr<FileOperation> begin(OperationKind kind, const std::string& path);
   Status writeMovedList(const ItemPlace& item);
   Status dropHiddenName(const ItemPlace& item);
   Status carryHiddenName(const ItemPlace& from, const ItemPlace& to);
@@ -61,6 +70,7 @@ class LinuxFileManager final : public FileManager {
 
   const StartedScopes& scopes_;
   Log& log_;
+  OperationWatch* watch_;
   std::string dataFolder_;
   PartialItems partialItems_;
   HeldFolders folders_;

@@ -1,11 +1,15 @@
 #include "platform/linux/LinuxPlatform.h"
 
+#include <gio/gio.h>
+
 #include <QSocketNotifier>
 #include <utility>
 
 #include "foundation/PathString.h"
 #include "platform/SystemDefaults.h"
 #include "platform/linux/AcceptedPropertyLists.h"
+#include "platform/linux/JobView.h"
+#include "platform/linux/LauncherProgress.h"
 #include "platform/linux/LinuxAlert.h"
 #include "platform/linux/LinuxAppearance.h"
 #include "platform/linux/LinuxApplication.h"
@@ -27,6 +31,7 @@
 #include "platform/linux/LinuxUniformTypes.h"
 #include "platform/linux/LinuxUserDefaultsProvider.h"
 #include "platform/linux/LinuxWorkspace.h"
+#include "platform/linux/LongWork.h"
 #include "platform/linux/MenuModules.h"
 #include "platform/linux/panel/LinuxOpenPanel.h"
 
@@ -44,6 +49,7 @@ struct LinuxPlatform::Services {
 
   void appearanceChanged(const Appearance& now);
   void settingsChanged();
+  void prepareForEnd(GDBusConnection* bus);
 
   Log& log;
   LinuxBundle bundle;
@@ -51,11 +57,14 @@ struct LinuxPlatform::Services {
   LinuxUserDefaultsProvider userDefaults;
   AcceptedPropertyLists propertyLists;
   LinuxSecurityScope securityScope;
+  LinuxStatusBar statusBar;
+  LauncherProgress launcherProgress;
+  JobView jobView;
+  LongWork longWork;
   LinuxFileManager fileManager;
   LinuxPanelProvider panels;
   LinuxAlertProvider alerts;
   LinuxSoundProvider sounds;
-  LinuxStatusBar statusBar;
   ApplicationTable applications;
   ItemIcons itemIcons;
   LinuxWorkspace workspace;
@@ -84,11 +93,16 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
       userDefaults(log),
       propertyLists(accepted),
       securityScope(LinuxSecurityScope::standardLocations(bundle.resourcePath()), log),
-      fileManager(securityScope, log),
+      statusBar(appendingPathComponent(bundle.resourcePath(), "icons")),
+      launcherProgress(intake.connection()),
+      jobView(intake.connection()),
+      longWork(
+          {[this] { return application.isTerminating(); }, [this] { application.terminateNow(); }},
+          {&statusBar, &launcherProgress, &jobView}, log, {}),
+      fileManager(securityScope, log, &longWork),
       panels([this](const auto& picked) { securityScope.grantByPicking(picked); },
              [this](const auto& place) { securityScope.grantPlaceByPicking(place); }),
       sounds(log, bundle.builtInPlugInsPath()),
-      statusBar(appendingPathComponent(bundle.resourcePath(), "icons")),
       applications(bundle, propertyLists, log),
       itemIcons(securityScope.startedScopes(), fileManager.partialItems(), fileManager,
                 bundle.groupIdentifier(), log),
@@ -129,6 +143,14 @@ LinuxPlatform::Services::Services(AcceptedRequests& accepted, BusIntake& intake,
                images,
                extensionController} {
   QObject::connect(&settingsNotifier, &QSocketNotifier::activated, [this] { settingsChanged(); });
+  application.setBeforeEnd([this, bus = intake.connection()] { prepareForEnd(bus); });
+}
+
+/// For an end in the middle of a command.
+void LinuxPlatform::Services::prepareForEnd(GDBusConnection* bus) {
+  fileManager.writeWaitingChanges();
+  longWork.hide();
+  if (bus != nullptr) g_dbus_connection_flush_sync(bus, nullptr, nullptr);
 }
 
 void LinuxPlatform::Services::appearanceChanged(const Appearance& now) {

@@ -10,6 +10,7 @@
 #include "foundation/PathString.h"
 #include "platform/linux/DisplayText.h"
 #include "platform/linux/Identity.h"
+#include "platform/linux/WorkText.h"
 
 namespace tavrin {
 
@@ -40,10 +41,14 @@ QIcon templateIcon(const std::string& iconFolder, const std::string& name) {
 
 }  // namespace
 
-LinuxStatusItem::LinuxStatusItem(std::string iconFolder)
-    : iconFolder_(std::move(iconFolder)), host_([this] { showOrRemove(); }) {}
+LinuxStatusItem::LinuxStatusItem(std::string iconFolder, std::shared_ptr<StatusItems> all)
+    : iconFolder_(std::move(iconFolder)), all_(std::move(all)), host_([this] { showOrRemove(); }) {
+  all_->items.push_back(this);
+}
 
-LinuxStatusItem::~LinuxStatusItem() = default;
+LinuxStatusItem::~LinuxStatusItem() {
+  std::erase(all_->items, this);
+}
 
 void LinuxStatusItem::setTemplateImageNamed(const std::string& name) {
   imageName_ = name;
@@ -69,6 +74,46 @@ void LinuxStatusItem::setMenu(std::vector<MenuItem> menu) {
   // Later: this may run inside an action of the menu that goes.
   if (menu_) menu_.release()->deleteLater();
   menu_ = std::move(shownMenu);
+  showCancelItem();
+}
+
+void LinuxStatusItem::workChanged() {
+  showToolTip();
+  showCancelItem();
+}
+
+void LinuxStatusItem::showToolTip() {
+  if (!trayIcon_) return;
+  const QString toolTip = all_->work ? all_->work->toolTip : QCoreApplication::applicationName();
+  if (trayIcon_->toolTip() != toolTip) trayIcon_->setToolTip(toolTip);
+}
+
+/// Changes no more of the menu than it must: it may be open.
+void LinuxStatusItem::showCancelItem() {
+  if (!menu_) return;
+  if (!all_->work) {
+    // Later: this may run inside their own action.
+    for (QAction* item : {cancelItem_.data(), cancelSeparator_.data()}) {
+      if (item == nullptr) continue;
+      menu_->removeAction(item);
+      item->deleteLater();
+    }
+    cancelItem_.clear();
+    cancelSeparator_.clear();
+    return;
+  }
+  if (!cancelItem_ || cancelItem_->parent() != menu_.get()) {
+    QAction* first = menu_->actions().value(0);
+    cancelSeparator_ = menu_->insertSeparator(first);
+    cancelItem_ = new QAction(menu_.get());
+    QObject::connect(cancelItem_, &QAction::triggered, cancelItem_, [all = all_] {
+      const std::function<void()> cancel = all->work ? all->work->cancel : nullptr;
+      if (cancel) cancel();
+    });
+    menu_->insertAction(cancelSeparator_, cancelItem_);
+  }
+  cancelItem_->setText(all_->work->cancelTitle);
+  cancelItem_->setEnabled(all_->work->canBeCancelled);
 }
 
 void LinuxStatusItem::setVisible(bool visible) {
@@ -83,7 +128,7 @@ void LinuxStatusItem::showOrRemove() {
   }
   if (trayIcon_) return;
   trayIcon_ = std::make_unique<QSystemTrayIcon>(templateIcon(iconFolder_, imageName_));
-  trayIcon_->setToolTip(QCoreApplication::applicationName());
+  showToolTip();
   if (menu_) trayIcon_->setContextMenu(menu_.get());
   QObject::connect(trayIcon_.get(), &QSystemTrayIcon::activated, trayIcon_.get(),
                    [this](QSystemTrayIcon::ActivationReason reason) {
@@ -101,7 +146,21 @@ void LinuxStatusItem::runFirstAction() {
 LinuxStatusBar::LinuxStatusBar(std::string iconFolder) : iconFolder_(std::move(iconFolder)) {}
 
 std::unique_ptr<StatusItem> LinuxStatusBar::statusItem() {
-  return std::make_unique<LinuxStatusItem>(iconFolder_);
+  return std::make_unique<LinuxStatusItem>(iconFolder_, all_);
+}
+
+void LinuxStatusBar::show(const ShownWork& work, const std::function<void()>& cancel) {
+  QString toolTip = workSummary(work);
+  setWork(StatusItemWork{std::move(toolTip), cancelTitle(work.kind), !work.isCancelled, cancel});
+}
+
+void LinuxStatusBar::end(WorkEnd /*end*/) {
+  setWork(std::nullopt);
+}
+
+void LinuxStatusBar::setWork(std::optional<StatusItemWork> work) {
+  all_->work = std::move(work);
+  for (LinuxStatusItem* item : all_->items) item->workChanged();
 }
 
 }  // namespace tavrin

@@ -1,6 +1,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QApplication>
+#include <QMenu>
+#include <QStringList>
 #include <QTest>
 #include <memory>
 
@@ -60,6 +63,59 @@ TEST_F(LinuxStatusItemTest, isThereOnlyWhileWanted) {
   item_.setVisible(false);
   EXPECT_FALSE(item_.isInStatusBar());
   EXPECT_FALSE(item_.isVisible());
+}
+
+/// The labels of the one menu that there is.
+QList<QAction*> menuItems() {
+  for (QWidget* widget : QApplication::topLevelWidgets()) {
+    if (const auto* menu = qobject_cast<QMenu*>(widget)) return menu->actions();
+  }
+  return {};
+}
+
+std::vector<std::string> menuLabels() {
+  // A menu that was replaced goes with the next turn of the loop.
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+  std::vector<std::string> labels;
+  for (const QAction* item : menuItems()) labels.push_back(item->text().toStdString());
+  return labels;
+}
+
+TEST(StatusBarWorkTest, theMenuBeginsWithACancelWhileSomethingRuns) {
+  LinuxStatusBar bar{TAVRIN_TEST_ICONS};
+  const auto item = bar.statusItem();
+  item->setMenu({{"Open", [] {}}});
+  int cancels = 0;
+  ShownWork work{OperationKind::Remove, "/item"};
+  bar.show(work, [&] { ++cancels; });
+  EXPECT_THAT(menuLabels(), testing::ElementsAre("Cancel Deleting", "", "Open"));
+  QAction* cancel = menuItems().front();
+  work.isCancelled = true;
+  QObject::connect(cancel, &QAction::triggered, cancel, [&] { bar.show(work, [] {}); });
+  cancel->trigger();
+  EXPECT_EQ(cancels, 1);
+  EXPECT_EQ(menuItems().front(), cancel);
+  EXPECT_FALSE(cancel->isEnabled());
+
+  item->setMenu({{"Other", [] {}}});
+  EXPECT_THAT(menuLabels(), testing::ElementsAre("Cancel Deleting", "", "Other"));
+  bar.end(WorkEnd::Cancelled);
+  EXPECT_THAT(menuLabels(), testing::ElementsAre("Other"));
+  work.isCancelled = false;
+  bar.show(work, [] {});
+  EXPECT_TRUE(menuItems().front()->isEnabled());
+}
+
+TEST(StatusBarWorkTest, anItemThatComesMeanwhileShowsItToo) {
+  LinuxStatusBar bar{TAVRIN_TEST_ICONS};
+  bar.show({OperationKind::Copy, "/item"}, [] {});
+  {
+    const auto item = bar.statusItem();
+    item->setMenu({{"Open", [] {}}});
+    EXPECT_THAT(menuLabels(), testing::ElementsAre("Cancel Copying", "", "Open"));
+  }
+  bar.end(WorkEnd::Done);
+  EXPECT_THAT(menuLabels(), testing::IsEmpty());
 }
 
 }  // namespace

@@ -35,6 +35,7 @@ def fail_each(fault: str, is_asked):
     def run(context: Context, result: Result) -> None:
         ensure_strace()
         done = met = 0
+        failing: set[str] = set()
         for operation in OPERATIONS:
             with scene_of(operation, context, result) as scene:
                 injector = Injector(scene, operation, workers=1)
@@ -46,9 +47,11 @@ def fail_each(fault: str, is_asked):
                     was_met, was_done = try_call(scene, injector, operation, call, fault)
                     met += was_met
                     done += was_met and was_done
+                    failing |= {call.name} if was_met and not was_done else set()
         result.tried += met
         if not fault.startswith("signal="):
-            result.note(f"{done} of the operations came to their end nevertheless.")
+            result.note(f"{done} of the operations came to their end nevertheless; others failed "
+                        f"at {', '.join(sorted(failing)) or 'none'}.")
     return run
 
 

@@ -126,9 +126,11 @@ Status CopyWalk::copyPiece() {
     tree_.operation.addShare(std::exchange(level.shareLeft, 0));
     return checkMayBeEmptied();
   }
+  const std::size_t count = listing_.countInPiece();
+  if (count == 0) return success();
   const double share = listing_.isPieceFull() ? level.shareLeft / 2 : level.shareLeft;
   level.shareLeft -= share;
-  level.shareOfSubfolder = share / static_cast<double>(listing_.countInPiece());
+  level.shareOfSubfolder = share / static_cast<double>(count);
   FolderListing::Entry entry;
   while (listing_.next(entry)) {
     level.hasEntries = true;

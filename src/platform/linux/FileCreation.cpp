@@ -8,6 +8,7 @@
 #include <string>
 #include <system_error>
 #include <tuple>
+#include <utility>
 
 #include "platform/linux/FileDescriptor.h"
 #include "platform/linux/FolderEntry.h"
@@ -44,22 +45,35 @@ Status takeOverRights(int file, const struct stat& replaced, const FolderEntry& 
   return isSame ? success() : Status(entry.failure("set the mode of", cause));
 }
 
-Status createUnderTemporaryName(const ItemReference& item, const PropertyList::Data& contents) {
+Status createUnderName(const std::string& name, const ItemReference& item,
+                       const PropertyList::Data& contents) {
   const FolderEntry entry(item);
-  const std::string name = randomHiddenName("partial");
-  const FileDescriptor file(::openat(item.parentDescriptor, name.c_str(),
-                                     O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                                     rightsOfNewFiles));
+  FileDescriptor file(::openat(item.parentDescriptor, name.c_str(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                               rightsOfNewFiles));
   if (!file) return entry.failure("create", errno);
-  Status written = writeAll(file.get(), contents, entry);
-  if (written) {
-    const std::error_code cause =
-        renameToFreeName(item.parentDescriptor, name, item.parentDescriptor, item.name);
-    if (!cause) return success();
-    written = entry.failure("create", cause.value());
+  if (Status written = writeAll(file.get(), contents, entry); !written) return written;
+  // Network file systems tell here of writing that failed late.
+  if (const int cause = file.close(); cause != 0) return entry.failure("write", cause);
+  const std::error_code cause =
+      renameToFreeName(item.parentDescriptor, name, item.parentDescriptor, item.name);
+  return cause ? Status(entry.failure("create", cause.value())) : success();
+}
+
+Status createUnderTemporaryName(const ItemReference& item, const PropertyList::Data& contents,
+                                const PartialItems* partials) {
+  std::optional<PartialItem> partial;
+  if (partials != nullptr) {
+    Result<PartialItem> begun = partials->begin(item);
+    if (!begun) return begun.error();
+    partial.emplace(std::move(begun).value());
   }
-  ::unlinkat(item.parentDescriptor, name.c_str(), 0);
-  return written;
+  const std::string name = partial ? partial->name() : randomHiddenName("partial");
+  Status created = createUnderName(name, item, contents);
+  if (created) return created;
+  const bool isLeft = ::unlinkat(item.parentDescriptor, name.c_str(), 0) != 0 && errno != ENOENT;
+  if (isLeft && partial) partial->keepRecord();
+  return created;
 }
 
 Status writeDurably(int descriptor, const PropertyList::Data& contents, const FolderEntry& entry) {
@@ -87,12 +101,13 @@ Result<FileDescriptor> openForReading(const FolderEntry& entry) {
 
 }  // namespace
 
-Status createFile(const ItemReference& item, const PropertyList::Data& contents) {
+Status createFile(const ItemReference& item, const PropertyList::Data& contents,
+                  const PartialItems* partials) {
   const FolderEntry entry(item);
   const FileDescriptor file = openNamelessFile(item.parentDescriptor, rightsOfNewFiles);
   if (!file) {
     // Whatever the reason, the attempt with a name finds the one that matters.
-    return createUnderTemporaryName(item, contents);
+    return createUnderTemporaryName(item, contents, partials);
   }
   if (Status written = writeAll(file.get(), contents, entry); !written) return written;
   const std::error_code cause = nameNamelessFile(file.get(), item.parentDescriptor, item.name);

@@ -13,8 +13,11 @@
 namespace tavrin {
 
 /// Creates a regular file with the given bytes and the rights the user gives new files. The name
-/// appears when the file is whole; a name that is taken is file_exists.
-Status createFile(const ItemReference& item, const PropertyList::Data& contents);
+/// appears when the file is whole; a name that is taken is file_exists. Where a process that is
+/// killed in the middle could leave a partial item, on file systems without files that have no
+/// name, `partials` knows of it; without `partials` it stays.
+Status createFile(const ItemReference& item, const PropertyList::Data& contents,
+                  const PartialItems* partials);
 
 /// Creates a file as createFile does, or puts it in the place of what has the name: by one rename,
 /// after its bytes are durable, so that a power cut leaves the old item or the new one. A link is

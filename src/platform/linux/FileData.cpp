@@ -98,10 +98,14 @@ Status FileData::copySegments(const OpenFile& source, const OpenFile& destinatio
     if (reached.value() < end) return success();
     position = end;
   }
-  if (::ftruncate(destination.descriptor, status.st_size) != 0) {
+  // A hole at the end is one only as far as the source still goes.
+  struct stat now = {};
+  if (::fstat(source.descriptor, &now) != 0) return source.entry.failure("stat", errno);
+  const off_t size = std::max(position, std::min(now.st_size, status.st_size));
+  if (::ftruncate(destination.descriptor, size) != 0) {
     return destination.entry.failure("set the size of", errno);
   }
-  return note(source, status.st_size - position);
+  return note(source, size - position);
 }
 
 Result<off_t> FileData::copySegment(const OpenFile& source, const OpenFile& destination,

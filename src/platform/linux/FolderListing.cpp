@@ -54,8 +54,10 @@ bool FolderListing::next(Entry& entry) {
 
 std::size_t FolderListing::countInPiece() const {
   std::size_t count = 0;
-  for (std::size_t position = 0; position < filled_; ++count) {
-    position += lengthOf(buffer_.get() + position);
+  for (std::size_t position = 0; position < filled_;) {
+    const char* record = buffer_.get() + position;
+    position += lengthOf(record);
+    if (!isSelfOrParent(record + offsetof(dirent64, d_name))) ++count;
   }
   return count;
 }

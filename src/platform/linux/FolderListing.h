@@ -26,7 +26,7 @@ class FolderListing {
   /// Gives the next name of the piece, without "." and ".."; false after the last one.
   bool next(Entry& entry);
 
-  /// How many names the piece has, "." and ".." among them.
+  /// How many names the piece has, without "." and "..".
   std::size_t countInPiece() const;
   /// True when a piece of that size is rarely a folder's last.
   bool isPieceFull() const;

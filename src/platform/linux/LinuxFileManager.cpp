@@ -123,7 +123,7 @@ Status LinuxFileManager::createFileAtPath(const std::string& path,
   if (!place) return place.error();
   const ItemReference item = reference(place.value());
   if (replace == Replace::Yes) return createOrReplaceFile(item, contents, partialItems_);
-  Status created = createFile(item, contents);
+  Status created = createFile(item, contents, &partialItems_);
   // What is picked in a panel is the file alone, not the folder's list.
   const auto inFolder = created ? folders_.locate(path, ScopeAccess::Change) : created.error();
   if (inFolder) noteHidingFailure(*inFolder.value().folder, dropHiddenName(inFolder.value()));

@@ -11,36 +11,18 @@
 #include <optional>
 #include <system_error>
 #include <utility>
-#include <vector>
 
 #include "foundation/PathString.h"
 #include "platform/linux/FolderListing.h"
 #include "platform/linux/FolderOpening.h"
 #include "platform/linux/ItemNaming.h"
+#include "platform/linux/PartialRecord.h"
 #include "platform/linux/PartialRemoval.h"
 
 namespace tavrin {
 namespace {
 
-constexpr std::string_view recordHead = "tavrin partial item 1";
-constexpr const char* partialKind = "partial";
 constexpr const char* recordKind = "record";
-
-/// Where a partial item grows. Written as fields that end with a NUL byte.
-struct Record {
-  std::string inode;
-  std::string name;
-  std::string folderPath;
-
-  std::string written() const {
-    std::string text;
-    for (const std::string_view field : {recordHead, std::string_view(inode),
-                                         std::string_view(name), std::string_view(folderPath)}) {
-      text.append(field).push_back('\0');
-    }
-    return text;
-  }
-};
 
 SystemError failureAt(const char* operation, const std::string& path) {
   return {operation, path, std::error_code(errno, std::generic_category())};
@@ -55,20 +37,6 @@ std::string pathOfFolder(const ItemReference& item) {
   const bool isWhole = size > 0 && static_cast<std::size_t>(size) < buffer.size();
   return isWhole ? std::string(buffer.data(), static_cast<std::size_t>(size))
                  : deletingLastPathComponent(item.path);
-}
-
-std::optional<Record> parseRecord(const std::string& text) {
-  std::vector<std::string> fields;
-  std::size_t position = 0;
-  while (position < text.size()) {
-    const std::size_t end = text.find('\0', position);
-    if (end == std::string::npos) return std::nullopt;
-    fields.push_back(text.substr(position, end - position));
-    position = end + 1;
-  }
-  if (fields.size() != 4 || fields[0] != recordHead) return std::nullopt;
-  if (!isRandomHiddenName(fields[2], partialKind)) return std::nullopt;
-  return Record{fields[1], fields[2], fields[3]};
 }
 
 /// Creates a record file that is locked. Whoever clears leftovers may lock it first: it is empty
@@ -98,7 +66,14 @@ Result<std::string> readRecord(int record, const std::string& path) {
   }
 }
 
-Status removeRecordedItem(const Record& record) {
+Status returnItem(const ItemReference& item, const std::string& name) {
+  const std::error_code cause =
+      renameToFreeName(item.parentDescriptor, item.name, item.parentDescriptor, name);
+  if (!cause || cause == std::errc::no_such_file_or_directory) return success();
+  return SystemError{"give " + name + " its name again", item.path, cause};
+}
+
+Status clearRecordedItem(const PartialRecord& record) {
   const FileDescriptor folder = openFolderAtPath(record.folderPath);
   if (!folder) return failureAt("open", record.folderPath);
   struct stat status = {};
@@ -110,7 +85,8 @@ Status removeRecordedItem(const Record& record) {
   }
   const ItemReference partial = {folder.get(), record.name,
                                  appendingPathComponent(record.folderPath, record.name)};
-  return removePartialItem(partial, record.name);
+  return record.nameToReturnTo.empty() ? removePartialItem(partial, record.name)
+                                       : returnItem(partial, record.nameToReturnTo);
 }
 
 /// Success when the record is dropped, or its owner lives.
@@ -124,11 +100,11 @@ Status clearRecord(const std::string& path) {
   if (!text) return text.error();
   // An owner that has not written its record has not created its item.
   if (!text.value().empty()) {
-    const std::optional<Record> record = parseRecord(text.value());
+    const std::optional<PartialRecord> record = partialRecordFrom(text.value());
     if (!record) {
       return SystemError{"read the record", path, std::make_error_code(std::errc::bad_message)};
     }
-    if (Status removed = removeRecordedItem(*record); !removed) return removed;
+    if (Status cleared = clearRecordedItem(*record); !cleared) return cleared;
   }
   return ::unlink(path.c_str()) == 0 ? success() : Status(failureAt("remove", path));
 }
@@ -174,19 +150,29 @@ void PartialItem::keepRecord() {
 PartialItems::PartialItems(std::string recordFolder) : recordFolder_(std::move(recordFolder)) {}
 
 Result<PartialItem> PartialItems::begin(const ItemReference& destination) const {
+  return beginRecorded(destination, {});
+}
+
+Result<PartialItem> PartialItems::beginSettingAside(const ItemReference& item) const {
+  return beginRecorded(item, item.name);
+}
+
+Result<PartialItem> PartialItems::beginRecorded(const ItemReference& item,
+                                                const std::string& nameToReturnTo) const {
   std::error_code cause;
   std::filesystem::create_directories(recordFolder_, cause);
   if (cause) return SystemError{"create", recordFolder_, cause};
   struct stat status = {};
-  if (::fstat(destination.parentDescriptor, &status) != 0) {
-    return failureAt("stat the folder of", destination.path);
+  if (::fstat(item.parentDescriptor, &status) != 0) {
+    return failureAt("stat the folder of", item.path);
   }
   const std::string recordPath =
       appendingPathComponent(recordFolder_, randomHiddenName(recordKind));
   Result<FileDescriptor> record = createLockedRecord(recordPath);
   if (!record) return record.error();
-  PartialItem partial(randomHiddenName(partialKind), recordPath, std::move(record).value());
-  const Record content = {std::to_string(status.st_ino), partial.name(), pathOfFolder(destination)};
+  PartialItem partial(randomHiddenName(partialItemKind), recordPath, std::move(record).value());
+  const PartialRecord content = {std::to_string(status.st_ino), partial.name(), pathOfFolder(item),
+                                 nameToReturnTo};
   if (Status written = partial.write(content.written()); !written) return written.error();
   return partial;
 }

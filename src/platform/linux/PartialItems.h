@@ -46,11 +46,18 @@ class PartialItems {
   /// A name for an item that is about to grow in the folder of `destination`.
   Result<PartialItem> begin(const ItemReference& destination) const;
 
-  /// Removes what killed processes have left. A record whose folder is not the one it was written
-  /// for is left alone, with a line in the log.
+  /// A name for `item` itself, which is to be set aside under it for a while. When the process is
+  /// killed it gets its own name again, unless that is taken by then.
+  Result<PartialItem> beginSettingAside(const ItemReference& item) const;
+
+  /// Removes or returns what killed processes have left. A record whose folder is not the one it
+  /// was written for is left alone, with a line in the log.
   void clearLeftovers(Log& log) const;
 
  private:
+  Result<PartialItem> beginRecorded(const ItemReference& item,
+                                    const std::string& nameToReturnTo) const;
+
   std::string recordFolder_;
 };
 

@@ -42,7 +42,7 @@ Status PasteboardFile::replace(const std::string& contents) const {
   if (!folder) return folder.error();
   const std::string part = randomHiddenName("pasteboard");
   Status written = createFile({folder.value().get(), part, path()},
-                              PropertyList::Data(contents.begin(), contents.end()));
+                              PropertyList::Data(contents.begin(), contents.end()), nullptr);
   if (!written) return written;
   if (::renameat(folder.value().get(), part.c_str(), folder.value().get(), name_.c_str()) == 0) {
     return written;

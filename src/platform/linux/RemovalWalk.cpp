@@ -66,10 +66,11 @@ Status RemovalWalk::removeRoot() {
   if (::fstatat(root.folder(), root.nameBytes(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
     return root.failure("remove", errno);
   }
-  if (S_ISDIR(status.st_mode)) return enter(root, 1);
+  // Walks with several threads have counted what they could.
+  if (S_ISDIR(status.st_mode)) return enter(root, 0);
   bool isFolder = false;
   Status removed = removeUnlessFolder(root, isFolder);
-  return removed && isFolder ? enter(root, 1) : removed;
+  return removed && isFolder ? enter(root, 0) : removed;
 }
 
 Status RemovalWalk::walk() {
@@ -177,10 +178,11 @@ Status RemovalWalk::removePiece() {
     tree_.operation.addShare(std::exchange(level.shareLeft, 0));
     return success();
   }
+  const std::size_t count = listing_.countInPiece();
+  if (count == 0) return success();
   const double share = listing_.isPieceFull() ? level.shareLeft / 2 : level.shareLeft;
-  const auto count = static_cast<double>(listing_.countInPiece());
   level.shareLeft -= share;
-  level.shareOfSubfolder = share / count;
+  level.shareOfSubfolder = share / static_cast<double>(count);
   FolderListing::Entry entry;
   std::uint64_t removed = 0;
   while (listing_.next(entry)) {

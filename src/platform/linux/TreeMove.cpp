@@ -11,6 +11,7 @@
 #include "platform/linux/FolderOpening.h"
 #include "platform/linux/ItemNaming.h"
 #include "platform/linux/PartialCopy.h"
+#include "platform/linux/PartialItems.h"
 #include "platform/linux/TreeRemoval.h"
 
 namespace tavrin {
@@ -23,8 +24,30 @@ bool isIntoItself(const ItemReference& source, const ItemReference& destination)
          S_ISDIR(status.st_mode) && isFolderAtOrBelow(destination.parentDescriptor, status);
 }
 
+/// Removes the source once its copy is safe. It goes under a hidden name first, so that no program
+/// that knows its path can change a file between the look at it and its removal. What changed
+/// before, and all of it after a failure, has the old name again.
+Status removeSource(const ItemReference& source, const ItemReference& copy,
+                    TimeGranularity granularity, const PartialItems& partials) {
+  // From here on the move is completed, cancelled or not.
+  FileOperation completion;
+  Result<PartialItem> aside = partials.beginSettingAside(source);
+  const int folder = source.parentDescriptor;
+  const std::string name = aside ? aside.value().name() : std::string();
+  // A full disk may have no room for the record: moving away from it must work nevertheless.
+  if (!aside || renameToFreeName(folder, source.name, folder, name)) {
+    return removeCopiedItem(source, copy, granularity, completion);
+  }
+  const ItemReference hidden = {folder, name, source.path};
+  Status removed = removeCopiedItem(hidden, copy, granularity, completion);
+  if (removed) return removed;
+  const std::error_code cause = renameToFreeName(folder, name, folder, source.name);
+  if (cause && cause != std::errc::no_such_file_or_directory) aside.value().keepRecord();
+  return removed;
+}
+
 Status copyThenRemove(PartialCopy& copy, const ItemReference& source,
-                      const ItemReference& destination) {
+                      const ItemReference& destination, const PartialItems& partials) {
   if (Status built = copy.build(); !built) return built;
   const Result<TimeGranularity> granularity = copy.timeGranularity();
   if (!granularity) return granularity.error();
@@ -33,9 +56,7 @@ Status copyThenRemove(PartialCopy& copy, const ItemReference& source,
   // Leftovers of a power cut are removed at the next start: the source must not go before the copy
   // has its name for good.
   if (Status durable = copy.makeNameDurable(); !durable) return durable;
-  // From here on the move is completed, cancelled or not.
-  FileOperation completion;
-  return removeCopiedItem(source, destination, granularity.value(), completion);
+  return removeSource(source, destination, granularity.value(), partials);
 }
 
 Status moveAcrossFileSystems(const ItemReference& source, const ItemReference& destination,
@@ -47,7 +68,7 @@ Status moveAcrossFileSystems(const ItemReference& source, const ItemReference& d
   if (Status examined = copy.examine(); !examined) return examined;
   // To be durable takes its time for small files too.
   return operation.runLongPart([&] {
-    Status moved = copyThenRemove(copy, source, destination);
+    Status moved = copyThenRemove(copy, source, destination, partials);
     copy.discard();
     return moved;
   });

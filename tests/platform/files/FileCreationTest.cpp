@@ -25,9 +25,9 @@ class FileCreation : public EngineFixture {
 
 TEST_F(FileCreation, WritesWhatIsReadBack) {
   const PropertyList::Data large(300'000, 7);
-  ASSERT_TRUE(createFile(item("small"), bytes));
-  ASSERT_TRUE(createFile(item("large"), large));
-  ASSERT_TRUE(createFile(item("empty"), {}));
+  ASSERT_TRUE(createFile(item("small"), bytes, &partials));
+  ASSERT_TRUE(createFile(item("large"), large, &partials));
+  ASSERT_TRUE(createFile(item("empty"), {}, &partials));
   const std::size_t any = std::numeric_limits<std::size_t>::max();
   EXPECT_EQ(readFile(item("small"), any).value(), bytes);
   EXPECT_EQ(readFile(item("large"), large.size()).value(), large);
@@ -39,12 +39,13 @@ TEST_F(FileCreation, ReplacesNothingAndLeavesNothing) {
   build().file("file", "old").folder("folder").symbolicLink("link", "/nowhere");
   const TreeSnapshot before = snapshotOf(scratch.path());
   for (const char* taken : {"file", "folder", "link"}) {
-    EXPECT_EQ(causeOf(createFile(item(taken), bytes)), std::errc::file_exists);
+    EXPECT_EQ(causeOf(createFile(item(taken), bytes, &partials)), std::errc::file_exists);
   }
   const MountedFolder small("size=64k");
   if (small.isMounted()) {
-    EXPECT_EQ(causeOf(createFile(OpenItem(small / "new"), PropertyList::Data(200'000, 1))),
-              std::errc::no_space_on_device);
+    EXPECT_EQ(
+        causeOf(createFile(OpenItem(small / "new"), PropertyList::Data(200'000, 1), &partials)),
+        std::errc::no_space_on_device);
     EXPECT_TRUE(namesIn(small.path()).empty());
   }
   EXPECT_EQ(snapshotOf(scratch.path()), before);

@@ -45,6 +45,34 @@ TEST_F(PartialItemsTest, ClearsWhatAKilledProcessLeft) {
   EXPECT_EQ(log.lines, 0);
 }
 
+TEST_F(PartialItemsTest, GivesItemsThatWereSetAsideTheirNamesAgain) {
+  build().folder("source").file("source/file", "x").file("other", "kept");
+  const auto setAsideAndDie = [this](const std::string& name) {
+    inChildProcess([this, &name] {
+      const Result<PartialItem> aside = partials.beginSettingAside(item(name));
+      std::filesystem::rename(at(name), at(aside.value().name()));
+      ::_exit(0);
+      return 0;
+    });
+    EXPECT_FALSE(std::filesystem::exists(at(name)));
+  };
+  setAsideAndDie("source");
+  partials.clearLeftovers(log);
+  EXPECT_TRUE(std::filesystem::exists(at("source/file")));
+  EXPECT_TRUE(hasNoRecords());
+  EXPECT_EQ(log.lines, 0);
+
+  setAsideAndDie("other");
+  build().file("other", "newer");
+  partials.clearLeftovers(log);
+  EXPECT_EQ(namesIn(scratch.path()).size(), 3U);
+  EXPECT_EQ(log.lines, 1);
+  std::filesystem::remove(at("other"));
+  partials.clearLeftovers(log);
+  EXPECT_EQ(std::filesystem::file_size(at("other")), 4U);
+  EXPECT_TRUE(hasNoRecords());
+}
+
 TEST_F(PartialItemsTest, LeavesWhatALivingProcessWorksOn) {
   build().folder("target");
   {

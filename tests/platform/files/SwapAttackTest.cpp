@@ -129,7 +129,7 @@ TEST_F(SwapAttack, OnTheDestinationAndOnRemovalChangesNothingOutside) {
   for (int operation = 0; operation < operationsPerCase(); operation += 3) {
     const std::string copy = "work/copies/" + std::to_string(operation);
     if (!copyItem(item("work/tree"), item(copy), partials)) ++failures;
-    if (!createFile(item("work/copies/new"), {1})) ++failures;
+    if (!createFile(item("work/copies/new"), {1}, &partials)) ++failures;
     if (!removeItem(item("work/copies/new"))) ++failures;
     if (std::filesystem::exists(std::filesystem::symlink_status(at(copy)))) {
       if (!removeItem(item(copy))) ++failures;

@@ -7,13 +7,12 @@
 #include <array>
 #include <filesystem>
 #include <fstream>
-#include <sstream>
-#include <string_view>
 
 #include "foundation/PathString.h"
 #include "foundation/Translatable.h"
 #include "platform/linux/DisplayText.h"
 #include "platform/linux/LinuxDirectories.h"
+#include "platform/linux/panel/MountedVolumes.h"
 
 namespace tavrin {
 
@@ -45,48 +44,7 @@ bool isFolder(const std::string& path) {
   return std::filesystem::is_directory(path, unreachable);
 }
 
-bool isOctalEscape(std::string_view text) {
-  return text.size() >= 4 && text[0] == '\\' &&
-         std::all_of(text.begin() + 1, text.begin() + 4,
-                     [](char digit) { return digit >= '0' && digit <= '7'; });
-}
-
-std::string unescaped(std::string_view field) {
-  std::string text;
-  for (std::size_t at = 0; at < field.size();) {
-    if (!isOctalEscape(field.substr(at))) {
-      text += field[at++];
-      continue;
-    }
-    const int code = (field[at + 1] - '0') * 64 + (field[at + 2] - '0') * 8 + (field[at + 3] - '0');
-    text += static_cast<char>(code);
-    at += 4;
-  }
-  return text;
-}
-
-bool isUserVolume(const std::string& path) {
-  constexpr std::array parents{"/media", "/mnt", "/run/media"};
-  return std::any_of(parents.begin(), parents.end(), [&path](const char* parent) {
-    return path != parent && isPathAtOrBelow(path, parent);
-  });
-}
-
 }  // namespace
-
-std::vector<std::string> mountedVolumes(std::istream& mounts) {
-  std::vector<std::string> volumes;
-  for (std::string line; std::getline(mounts, line);) {
-    std::istringstream fields(line);
-    std::string device;
-    std::string mountPoint;
-    if (!(fields >> device >> mountPoint)) continue;
-    mountPoint = unescaped(mountPoint);
-    const bool isNew = std::find(volumes.begin(), volumes.end(), mountPoint) == volumes.end();
-    if (isNew && isUserVolume(mountPoint)) volumes.push_back(mountPoint);
-  }
-  return volumes;
-}
 
 const char* themeIconOfFolder(const std::string& path) {
   if (path == currentAccount().homeDirectory) return "user-home";

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <istream>
 #include <string>
 #include <vector>
 
@@ -25,9 +24,5 @@ std::vector<PanelPlace> panelPlaces();
 /// The icon theme's name for a folder, an absolute path without "." and ".."; "folder" for one that
 /// is none of the above. The folder need not exist.
 const char* themeIconOfFolder(const std::string& path);
-
-/// The mount points below /media, /mnt and /run/media, in the order of `mounts`, which is in the
-/// format of /proc/self/mounts (fstab(5): blanks and other special bytes are octal escapes).
-std::vector<std::string> mountedVolumes(std::istream& mounts);
 
 }  // namespace tavrin

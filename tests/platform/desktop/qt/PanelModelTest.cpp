@@ -9,6 +9,7 @@
 
 #include "platform/linux/LinuxDirectories.h"
 #include "platform/linux/panel/FolderListModel.h"
+#include "platform/linux/panel/MountedVolumes.h"
 #include "platform/linux/panel/PanelPlaces.h"
 #include "platform/linux/panel/TypedPath.h"
 #include "sandbox/AppSandboxFileAccessOpenSavePanelDelegate.h"
@@ -167,8 +168,10 @@ TEST(PanelPlacesTest, offersTheVolumesThatUsersMount) {
       "tmpfs /mnt tmpfs rw 0 0\n"
       "/dev/sdc1 /run/media/user/tab\\011 ext4 rw 0 0\n"
       "/dev/sdd1 /mediathek ext4 rw 0 0\n"
+      "/dev/sde1 /media/user/feed\f\r ext4 rw 0 0\n"
       "broken\n");
-  EXPECT_THAT(mountedVolumes(mounts), ElementsAre("/media/user/My Disk", "/run/media/user/tab\t"));
+  EXPECT_THAT(mountedVolumes(mounts),
+              ElementsAre("/media/user/My Disk", "/run/media/user/tab\t", "/media/user/feed\f\r"));
 }
 
 }  // namespace

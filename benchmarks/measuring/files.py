@@ -24,7 +24,8 @@ class Files:
         self._options = options
         self._path = report / "files.json"
         self._plot = report / "files.png"
-        self._rows, self._about = results.load(self._path)
+        self._rows, _ = results.load(self._path)
+        self._about = {}
         self._scale = Scale(options.quick)
         self._runs = pairs.Runs(options.pairs, options.slow_runs)
         self._judged = set()
@@ -39,7 +40,7 @@ class Files:
         if HOST_FILE_SYSTEM in chosen and self._wants(HOST_ROW):
             build()
         base = Path(self._options.folder)
-        self._about["machine"] = describe_machine(base)
+        self._about = {"machine": describe_machine(base)}
         skipped = {name: reason for name in chosen if (reason := reason_to_skip(name))}
         for name in chosen:
             self._say_skipped(name, skipped.get(name))
@@ -47,13 +48,15 @@ class Files:
                 with file_system(name, base, self._scale.image) as place:
                     self._measure_place(place)
         if skipped and len(skipped) == len(chosen):
+            for key in filter(self._wants, (COLD_ROW, HOST_ROW)):
+                self._say_skipped(key, "measured on a file system of its own only")
             with plain_folder(base) as place:
                 self._measure_place(place)
         self._measure_across(base, skipped)
+        results.save(self._path, self._rows, self._about)
         return not self._failed
 
     def _say_skipped(self, name, reason):
-        self._about.pop(name, None)
         if reason:
             self._about[name] = f"skipped: {reason}"
             print(f"{name:<6} skipped: {reason}", flush=True)

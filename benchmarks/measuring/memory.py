@@ -58,7 +58,7 @@ def make_linked_pairs(path, count):
 
 def make_deep(path, count):
     """Folders in each other, each with a file and a folder beside: as deep as paths never are."""
-    depth = min(count // 3, 100_000)
+    depth = min(count // 3, 20_000)
     path.mkdir()
     handle = os.open(path, os.O_RDONLY)
     for _ in range(depth):
@@ -76,7 +76,7 @@ SHAPES = {
     "one folder of files": make_flat,
     "one folder of folders": make_many_folders,
     "pairs of hard links": make_linked_pairs,
-    "folders in each other, at most 100,000 deep": make_deep,
+    "folders in each other, at most 20,000 deep": make_deep,
 }
 
 

@@ -170,7 +170,6 @@ std::string peakOfMemory() {
 }
 
 int runCommand(const CommandLine& line) {
-  if (line.workers > 0) TreeWorkers::setMostWorkers(line.workers);
   TreeWorkers::setMostWorkers(line.workers);
   Engine engine(line.dataFolder);
   Status status = engine.grantAll();

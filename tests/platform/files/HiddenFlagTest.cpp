@@ -219,5 +219,27 @@ TEST_F(HiddenFlag, NeedsAScope) {
   fs::remove_all(outside);
 }
 
+TEST_F(HiddenFlag, FollowsItsItemsThroughMoreFoldersThanABatchHolds) {
+  constexpr int folders = 40;
+  const auto folder = [](const char* kind, int number) { return kind + std::to_string(number); };
+  for (int number = 0; number < folders; ++number) {
+    for (const char* kind : {"from", "to"}) fs::create_directory(scratch_ / folder(kind, number));
+    write(folder("from", number) + "/a", "a");
+    EXPECT_TRUE(hide(folder("from", number) + "/a"));
+  }
+  {
+    const auto batch = files_.batch();
+    // An odd one, so that the folders are let go between the two of a move too.
+    EXPECT_TRUE(files_.removeItemAtPath(scratch_ / "in/a"));
+    for (int number = 0; number < folders; ++number) {
+      EXPECT_TRUE(move(folder("from", number) + "/a", folder("to", number) + "/b"));
+    }
+  }
+  for (int number = 0; number < folders; ++number) {
+    EXPECT_EQ(read(folder("from", number) + "/.hidden"), "(none)") << number;
+    EXPECT_EQ(read(folder("to", number) + "/.hidden"), "b\n") << number;
+  }
+}
+
 }  // namespace
 }  // namespace tavrin

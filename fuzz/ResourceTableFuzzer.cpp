@@ -83,9 +83,9 @@ void run(Input& input) {
 
 /// Programs are not looked for; one is known by its path.
 extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/) {
-  ::setenv("PATH", "/nonexistent", 1);
-  ::setenv("XDG_CURRENT_DESKTOP", "ubuntu:GNOME", 1);
-  ::unsetenv("TERMINAL");
+  ::setenv("PATH", "/nonexistent", 1);                 // NOLINT(concurrency-mt-unsafe)
+  ::setenv("XDG_CURRENT_DESKTOP", "ubuntu:GNOME", 1);  // NOLINT(concurrency-mt-unsafe)
+  ::unsetenv("TERMINAL");                              // NOLINT(concurrency-mt-unsafe)
   return 0;
 }
 

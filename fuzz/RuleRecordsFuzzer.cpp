@@ -43,7 +43,10 @@ class Preferences : private FakePlatform {
   void edit() {
     const std::size_t count = rows().size();
     const auto row = input_.ConsumeIntegralInRange<std::size_t>(0, count + 1);
-    const bool isRemoval = editRow(row);
+    // The switch of such a command takes it from the list that is edited.
+    const bool mayLeave =
+        list_.list == RuleList::Others && row < count && isAlwaysOn(rows().at(row));
+    const bool isRemoval = editRow(row) || mayLeave;
     const std::size_t left = rows().size();
     require(left == count || (isRemoval && left + 1 == count), "no edit loses another row");
     requireStoredAndPublished();

@@ -10,8 +10,8 @@ namespace {
 
 class WorkTextTest : public testing::Test {
  protected:
-  WorkTextTest() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
-  ~WorkTextTest() override { QLocale::setDefault(QLocale::system()); }
+  void SetUp() override { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
+  void TearDown() override { QLocale::setDefault(QLocale::system()); }
 
   static std::string summary(const ShownWork& work) { return workSummary(work).toStdString(); }
 };

@@ -149,6 +149,7 @@ class Faults:
             self.try_users_disk(place)
         finally:
             unmount(place)
+            place.rmdir()
 
     def try_users_disk(self, place):
         source = build_tree(self.world.files / "users", 40, 9_000, self.world.random)

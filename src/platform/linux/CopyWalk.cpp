@@ -14,6 +14,8 @@ namespace {
 
 // So many items are copied before a thread more could win anything.
 constexpr std::uint64_t itemsBeforeHelp = 64;
+// Each subtree has a path of its own: very deep ones would cost their square.
+constexpr std::size_t longestPathToGiveAway = std::size_t{64} * 1024;
 
 }  // namespace
 
@@ -66,8 +68,10 @@ FolderEntry CopyWalk::destinationEntry(const std::string& name) const {
   return {destination_.current(), name, destination_.path()};
 }
 
+/// The last subfolder is not given away: this walk would have nothing left to do meanwhile.
 bool CopyWalk::mayGiveAway() const {
-  return tree_.workers.wantsSubtrees() && tree_.operation.items() > itemsBeforeHelp;
+  return tree_.workers.wantsSubtrees() && tree_.operation.items() > itemsBeforeHelp &&
+         !levels_.back().subfolders.isEmpty() && source_.path().size() < longestPathToGiveAway;
 }
 
 Result<FileDescriptor> CopyWalk::createFolder(const std::string& name, mode_t mode) {

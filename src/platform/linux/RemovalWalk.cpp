@@ -18,6 +18,8 @@ namespace {
 constexpr int mostListings = 8;
 // So many items are removed before a thread more could win anything.
 constexpr std::uint64_t itemsBeforeHelp = 64;
+// Each subtree has a path of its own: very deep ones would cost their square.
+constexpr std::size_t longestPathToGiveAway = std::size_t{64} * 1024;
 
 bool isNotEmpty(int cause) {
   return cause == ENOTEMPTY || cause == EEXIST;
@@ -138,12 +140,16 @@ Status RemovalWalk::enter(const FolderEntry& folder, double share) {
   return enterOpened(std::move(opened), std::move(copy), folder.name(), share);
 }
 
+/// The last subfolder is not given away: this walk would have nothing left to do meanwhile.
+bool RemovalWalk::mayGiveAway() const {
+  return tree_.workers != nullptr && tree_.workers->wantsSubtrees() &&
+         tree_.operation.items() > itemsBeforeHelp && !levels_.back().subfolders.isEmpty() &&
+         folders_.path().size() < longestPathToGiveAway;
+}
+
 bool RemovalWalk::giveAway(FileDescriptor& folder, FileDescriptor& copy, const std::string& name,
                            double share) {
-  if (tree_.workers == nullptr || levels_.empty() || !tree_.workers->wantsSubtrees() ||
-      tree_.operation.items() < itemsBeforeHelp) {
-    return false;
-  }
+  if (levels_.empty() || !mayGiveAway()) return false;
   FileDescriptor parent(::fcntl(folders_.current(), F_DUPFD_CLOEXEC, 0));
   if (!parent) return false;
   Subtree subtree = {std::move(folder), std::move(copy), folders_.path() + "/" + name,

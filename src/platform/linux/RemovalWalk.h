@@ -70,6 +70,7 @@ class RemovalWalk {
                      double share);
   Status removeUnopened(const FolderEntry& folder, int cause);
   bool openCopy(const FolderEntry& folder, FileDescriptor& copy);
+  bool mayGiveAway() const;
   bool giveAway(FileDescriptor& folder, FileDescriptor& copy, const std::string& name,
                 double share);
   Status removePiece();

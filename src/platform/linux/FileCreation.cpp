@@ -71,7 +71,10 @@ Status createUnderTemporaryName(const ItemReference& item, const PropertyList::D
   const std::string name = partial ? partial->name() : randomHiddenName("partial");
   Status created = createUnderName(name, item, contents);
   if (created) return created;
-  const bool isLeft = ::unlinkat(item.parentDescriptor, name.c_str(), 0) != 0 && errno != ENOENT;
+  struct stat status = {};
+  const bool isLeft =
+      ::unlinkat(item.parentDescriptor, name.c_str(), 0) != 0 &&
+      ::fstatat(item.parentDescriptor, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) == 0;
   if (isLeft && partial) partial->keepRecord();
   return created;
 }

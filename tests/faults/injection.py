@@ -34,6 +34,7 @@ class Injector:
         self.engine, self.words, self.workers = scene.engine, scene.words(operation), workers
         self.marker = scene.near.lstrip("/")
         self.names: list[str] = []
+        self.before: collections.Counter = collections.Counter()  # calls of the start, by name
 
     def is_of_operation(self, match: re.Match) -> bool:
         return self.marker in match[3] and match[2] != "execve"
@@ -60,8 +61,10 @@ class Injector:
         counts: collections.Counter = collections.Counter()
         calls, has_begun = [], False
         for match in filter(None, map(LINE.match, lines)):
+            if not has_begun and self.is_of_operation(match):
+                has_begun = True
+                self.before = collections.Counter({key[1]: counts[key] for key in counts})
             counts[match[1], match[2]] += 1
-            has_begun = has_begun or self.is_of_operation(match)
             if has_begun and match[2] in names:
                 calls.append(Call(counts[match[1], match[2]], match[2]))
         return calls

@@ -46,7 +46,7 @@ class KillTimes:
 def tries(context: Context, result: Result, once) -> None:
     """Calls `once` until so many kills have met a living process; gives up after far too many."""
     for _ in range(context.times * 5):
-        if result.tried >= context.times:
+        if result.tried >= context.times or not context.has_time():
             return
         once()
     result.note(f"Only {result.tried} of {context.times} kills came before the end.")

@@ -12,6 +12,7 @@ import pathlib
 import random
 import subprocess
 import tempfile
+import time
 from collections.abc import Callable, Iterator
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -62,12 +63,18 @@ class Result:
 class Context:
     """What a row works with."""
 
-    def __init__(self, build: pathlib.Path, times: int, seed: int, is_quick: bool):
+    def __init__(self, build: pathlib.Path, times: int, seed: int, is_quick: bool,
+                 minutes: float = 1e6):
         self.build = build  # the build folder
         self.times = times  # how often the row is to try its fault, about
         self.seed = seed  # what `random` started with, to be said with each damage
         self.is_quick = is_quick  # whether this is the part for every day
         self.random = random.Random(seed)
+        self.end = time.monotonic() + 60 * minutes
+
+    def has_time(self) -> bool:
+        """Whether a row that tries its fault many times is to go on."""
+        return time.monotonic() < self.end
 
     def program(self, name: str) -> str:
         """The path of a program of the tests, which has to be built."""

@@ -46,15 +46,18 @@ def check_read_only_target(engine: Engine, other: str, disk: str, result: Result
         result.tried += 1
         if outcome.code != 1:
             result.damage("blocked", f"{words[0]} to a read-only disk ended with {outcome.code}")
-        if differences(before, manifest_of(other)) or engine.records():
+        if differences(before, manifest_of(other)):
             result.damage("lost", f"{words[0]} to a read-only disk changed its source")
+        for record in engine.records():
+            result.damage("half_named", f"{words[0]} to a read-only disk left {record}")
+            os.unlink(record)
 
 
 def shift_during(operation: str):
     def run(context: Context, result: Result) -> None:
         strikes = done = turn = 0
         with two_file_systems(context) as (near, far, engine):
-            while result.tried < context.times:
+            while result.tried < context.times and context.has_time():
                 turn += 1
                 chance = random.Random(f"{context.seed} {turn}")
                 tree = ShiftingTree(f"{near}/tree", chance)

@@ -49,9 +49,10 @@ def fail_each(fault: str, is_asked):
                     done += was_met and was_done
                     failing |= {call.name} if was_met and not was_done else set()
         result.tried += met
+        if fault == "error=EINTR":
+            result.note("It ended the operation at: " + ", ".join(sorted(failing)) + ".")
         if not fault.startswith("signal="):
-            result.note(f"{done} of the operations came to their end nevertheless; others failed "
-                        f"at {', '.join(sorted(failing)) or 'none'}.")
+            result.note(f"{done} of the operations came to their end nevertheless.")
     return run
 
 

@@ -36,6 +36,10 @@ class Shifting:
     identity: int
     path: str
     size: int
+    other_size: int | None = None  # when it cannot be known whether the last change counts
+
+    def is_among(self, sizes: set[int]) -> bool:
+        return self.size in sizes or self.other_size in sizes
 
 
 class ShiftingTree:
@@ -43,7 +47,7 @@ class ShiftingTree:
 
     def __init__(self, root: str, chance: random.Random, files: int = 24):
         self.root, self.chance = root, chance
-        self.deleted: set[int] = set()
+        self.left_alone: list[Shifting] = []
         self.strikes = 0
         for folder in FOLDERS:
             os.makedirs(f"{root}/{folder}", exist_ok=True)
@@ -68,7 +72,6 @@ class ShiftingTree:
     def delete(self, file: Shifting) -> None:
         os.unlink(f"{self.root}/{file.path}")
         self.files.remove(file)
-        self.deleted.add(file.identity)
 
     def rename(self, file: Shifting) -> None:
         path = f"{self.chance.choice(FOLDERS)}/file {file.identity}.{self.strikes}"
@@ -88,8 +91,22 @@ class ShiftingTree:
             # What is written to a file that has lost its name meanwhile no program could keep.
             if os.path.exists(f"{self.root}/{file.path}"):
                 file.size += len(more)
+            else:
+                file.other_size = file.size + len(more)
+                self.files.remove(file)
+                self.left_alone.append(file)
         finally:
             os.close(descriptor)
+
+
+def where_wrong(identity: int | None, contents: bytes) -> str:
+    """The part of a file that it never had."""
+    if identity is None:
+        return ""
+    right = stream(identity)
+    wrong = [at for at in range(len(contents)) if contents[at] != right[at]]
+    kind = "zeros" if not any(contents[at] for at in wrong) else "others"
+    return f", of which {wrong[0]} to {wrong[-1]} are {kind}"
 
 
 def found_in(root: str) -> tuple[dict[int, set[int]], list[str]]:
@@ -104,7 +121,7 @@ def found_in(root: str) -> tuple[dict[int, set[int]], list[str]]:
             head = contents[:8]
             identity = int(head) if len(head) == 8 and head.isdigit() else None
             if identity is None or contents != stream(identity)[:len(contents)]:
-                wrong.append(f"{path} ({len(contents)} bytes)")
+                wrong.append(f"{path} ({len(contents)} bytes{where_wrong(identity, contents)})")
                 continue
             sizes.setdefault(identity, set()).add(len(contents))
     return sizes, wrong

@@ -101,11 +101,11 @@ def check(result: Result, outcome: Outcome, tree: ShiftingTree, operation: str, 
         result.damage("half_named", f"{about}: {left[0]} is left")
     if operation == "remove":
         return
-    for file in tree.files:
+    for file in [*tree.files, *tree.left_alone]:
         sizes = old.get(file.identity, set()) | new.get(file.identity, set())
-        if operation == "copy" and file.size not in old.get(file.identity, set()):
+        if operation == "copy" and not file.is_among(old.get(file.identity, set())):
             result.damage("lost", f"{about}: {file} is not in the source")
-        elif file.size not in sizes:
+        elif not file.is_among(sizes):
             result.damage("lost", f"{about}: {file} has only {sizes}")
 
 

@@ -1,8 +1,8 @@
 // Copies, moves and removes in a folder that is granted, while others put links to what is not
 // granted in the place of folders there:
 //   swap-attack [--naive] FOLDER FAR SWAPS
-// FOLDER and FAR are empty folders on two file systems. Prints what it did as one line of JSON;
-// whether anything outside has changed is for others to see.
+// FOLDER and FAR are empty folders on two file systems; without swaps they are only filled. Prints
+// what it did as one line of JSON; whether anything outside has changed is for others to see.
 
 #include <fcntl.h>
 
@@ -241,6 +241,8 @@ class Attack {
 
 int run(const fs::path& folder, const fs::path& far, long swaps, bool isNaive) {
   Attack attack(folder, far, isNaive);
+  // The first call builds what is outside, and nothing may strike before others have looked at it.
+  if (swaps == 0) return 0;
   attack.run(&Attack::attackSource, isNaive ? swaps : swaps / 4);
   if (!isNaive) {
     attack.run(&Attack::attackCopies, swaps / 4);

@@ -262,7 +262,11 @@ std::optional<std::string> LinuxFileManager::containerPathForSecurityApplication
 }
 
 void LinuxFileManager::clearLeftovers() {
-  partialItems_.clearLeftovers(log_);
+  partialItems_.clearLeftovers(log_, clearing_);
+}
+
+void LinuxFileManager::stopClearing() {
+  clearing_.cancel();
 }
 
 }  // namespace tavrin

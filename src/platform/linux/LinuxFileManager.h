@@ -54,6 +54,8 @@ class LinuxFileManager final : public FileManager {
 
   /// Removes what killed processes of the program have left half made. For an idle moment.
   void clearLeftovers();
+  /// Lets clearLeftovers return soon, for good; from any thread.
+  void stopClearing();
 
   /// The records of partial items, for others who write files.
   const PartialItems& partialItems() const { return partialItems_; }
@@ -73,6 +75,7 @@ class LinuxFileManager final : public FileManager {
   OperationWatch* watch_;
   std::string dataFolder_;
   PartialItems partialItems_;
+  FileOperation clearing_;
   HeldFolders folders_;
 };
 

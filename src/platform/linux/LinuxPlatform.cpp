@@ -169,7 +169,10 @@ LinuxPlatform::LinuxPlatform(AcceptedRequests& accepted, BusIntake& intake,
                              TerminationSignals& signalsToEnd, Log& log)
     : services_(std::make_unique<Services>(accepted, intake, signalsToEnd, log)) {}
 
-LinuxPlatform::~LinuxPlatform() = default;
+LinuxPlatform::~LinuxPlatform() {
+  // The end waits for the threads in the background.
+  services_->fileManager.stopClearing();
+}
 
 void LinuxPlatform::clearLeftoversSoon() {
   Services& services = *services_;

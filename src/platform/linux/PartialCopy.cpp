@@ -56,7 +56,8 @@ PartialCopy::~PartialCopy() {
 void PartialCopy::discard() {
   if (isNamed_ || !partial_) return;
   content_.reset();
-  if (!removePartialItem(destination_, partial_->name())) partial_->keepRecord();
+  FileOperation removal;
+  if (!removePartialItem(destination_, partial_->name(), removal)) partial_->keepRecord();
   partial_.reset();
 }
 

@@ -73,7 +73,7 @@ Status returnItem(const ItemReference& item, const std::string& name) {
   return SystemError{"give " + name + " its name again", item.path, cause};
 }
 
-Status clearRecordedItem(const PartialRecord& record) {
+Status clearRecordedItem(const PartialRecord& record, FileOperation& operation) {
   const FileDescriptor folder = openFolderAtPath(record.folderPath);
   if (!folder) return failureAt("open", record.folderPath);
   struct stat status = {};
@@ -85,12 +85,12 @@ Status clearRecordedItem(const PartialRecord& record) {
   }
   const ItemReference partial = {folder.get(), record.name,
                                  appendingPathComponent(record.folderPath, record.name)};
-  return record.nameToReturnTo.empty() ? removePartialItem(partial, record.name)
+  return record.nameToReturnTo.empty() ? removePartialItem(partial, record.name, operation)
                                        : returnItem(partial, record.nameToReturnTo);
 }
 
 /// Success when the record is dropped, or its owner lives.
-Status clearRecord(const std::string& path) {
+Status clearRecord(const std::string& path, FileOperation& operation) {
   const FileDescriptor file(::open(path.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
   if (!file) return errno == ENOENT ? success() : Status(failureAt("open", path));
   if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0) {
@@ -104,12 +104,12 @@ Status clearRecord(const std::string& path) {
     if (!record) {
       return SystemError{"read the record", path, std::make_error_code(std::errc::bad_message)};
     }
-    if (Status cleared = clearRecordedItem(*record); !cleared) return cleared;
+    if (Status cleared = clearRecordedItem(*record, operation); !cleared) return cleared;
   }
   return ::unlink(path.c_str()) == 0 ? success() : Status(failureAt("remove", path));
 }
 
-Status clearRecords(const std::string& folderPath, Log& log) {
+Status clearRecords(const std::string& folderPath, Log& log, FileOperation& operation) {
   const FileDescriptor folder(
       ::open(folderPath.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   if (!folder) return errno == ENOENT ? success() : Status(failureAt("open", folderPath));
@@ -121,7 +121,8 @@ Status clearRecords(const std::string& folderPath, Log& log) {
     if (!found.value()) return success();
     while (listing.next(entry)) {
       if (!isRandomHiddenName(entry.name, recordKind)) continue;
-      const Status cleared = clearRecord(appendingPathComponent(folderPath, entry.name));
+      const Status cleared = clearRecord(appendingPathComponent(folderPath, entry.name), operation);
+      if (operation.isCancelled()) return success();
       if (!cleared) log.write("A partial item is left alone: " + cleared.error().describe());
     }
   }
@@ -177,8 +178,8 @@ Result<PartialItem> PartialItems::beginRecorded(const ItemReference& item,
   return partial;
 }
 
-void PartialItems::clearLeftovers(Log& log) const {
-  const Status cleared = clearRecords(recordFolder_, log);
+void PartialItems::clearLeftovers(Log& log, FileOperation& operation) const {
+  const Status cleared = clearRecords(recordFolder_, log, operation);
   if (!cleared) log.write("Partial items are left alone: " + cleared.error().describe());
 }
 

@@ -6,6 +6,7 @@
 #include "foundation/Result.h"
 #include "platform/Log.h"
 #include "platform/linux/FileDescriptor.h"
+#include "platform/linux/FileOperation.h"
 #include "platform/linux/ItemReference.h"
 
 namespace tavrin {
@@ -51,8 +52,9 @@ class PartialItems {
   Result<PartialItem> beginSettingAside(const ItemReference& item) const;
 
   /// Removes or returns what killed processes have left. A record whose folder is not the one it
-  /// was written for is left alone, with a line in the log.
-  void clearLeftovers(Log& log) const;
+  /// was written for is left alone, with a line in the log. Ends soon when `operation` is
+  /// cancelled, and leaves the rest for the next time.
+  void clearLeftovers(Log& log, FileOperation& operation) const;
 
  private:
   Result<PartialItem> beginRecorded(const ItemReference& item,

@@ -66,9 +66,9 @@ Status removeCopiedItem(const ItemReference& source, const ItemReference& copy,
   return removeTree({FolderRights::Respect, operation, nullptr, granularity}, source, &copy);
 }
 
-Status removePartialItem(const ItemReference& destination, const std::string& partialName) {
+Status removePartialItem(const ItemReference& destination, const std::string& partialName,
+                         FileOperation& operation) {
   const ItemReference partial = {destination.parentDescriptor, partialName, destination.path};
-  FileOperation operation;
   Status removed = removeTree({FolderRights::Take, operation}, partial, nullptr);
   if (!removed && removed.error().code == std::errc::no_such_file_or_directory) return success();
   return removed;

@@ -54,6 +54,7 @@ class EngineFixture : public ::testing::Test {
   ScratchFolder scratch;
   ScratchFolder records;
   PartialItems partials{records.path()};
+  FileOperation clearing;
 };
 
 /// A second file system for moves across: in memory, where every Linux has one.

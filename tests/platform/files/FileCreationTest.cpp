@@ -85,7 +85,7 @@ TEST_F(FileCreation, AFileIsWholeWheneverItsReplacementIsKilled) {
     ASSERT_TRUE(read);
     EXPECT_TRUE(read.value() == old || read.value() == young);
     FakeLog log;
-    partials.clearLeftovers(log);
+    partials.clearLeftovers(log, clearing);
     EXPECT_TRUE(log.lines().empty());
     EXPECT_TRUE(hasNoRecords());
     EXPECT_TRUE(holdsOnly(scratch.path(), {"file"}));

@@ -130,7 +130,7 @@ TEST_F(FileReplacingCopy, AFileIsWholeWheneverTheCopyIsKilled) {
     EXPECT_TRUE(file == old || file == young);
     leftovers += hasNoRecords() ? 0 : 1;
     FakeLog log;
-    partials.clearLeftovers(log);
+    partials.clearLeftovers(log, clearing);
     EXPECT_TRUE(log.lines().empty());
     EXPECT_TRUE(hasNoRecords());
     EXPECT_EQ(namesIn(scratch.path()).size(), 3U);

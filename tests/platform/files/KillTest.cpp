@@ -133,7 +133,7 @@ TEST_F(Kill, AtAnyMomentLeavesEveryItemWholeAndNothingElse) {
 
     leftovers += namesIn(records.path()).empty() ? 0 : 1;
     LineLog log;
-    partials.clearLeftovers(log);
+    partials.clearLeftovers(log, clearing);
     EXPECT_EQ(log.lines, "");
     EXPECT_TRUE(hasNoRecords());
     expectNothingTorn("tree", *step, tree);

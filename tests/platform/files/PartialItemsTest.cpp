@@ -39,7 +39,7 @@ class PartialItemsTest : public EngineFixture {
 
 TEST_F(PartialItemsTest, ClearsWhatAKilledProcessLeft) {
   leavePartialItem();
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_TRUE(namesIn(at("target")).empty());
   EXPECT_TRUE(hasNoRecords());
   EXPECT_EQ(log.lines, 0);
@@ -57,18 +57,18 @@ TEST_F(PartialItemsTest, GivesItemsThatWereSetAsideTheirNamesAgain) {
     EXPECT_FALSE(std::filesystem::exists(at(name)));
   };
   setAsideAndDie("source");
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_TRUE(std::filesystem::exists(at("source/file")));
   EXPECT_TRUE(hasNoRecords());
   EXPECT_EQ(log.lines, 0);
 
   setAsideAndDie("other");
   build().file("other", "newer");
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_EQ(namesIn(scratch.path()).size(), 3U);
   EXPECT_EQ(log.lines, 1);
   std::filesystem::remove(at("other"));
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_EQ(std::filesystem::file_size(at("other")), 4U);
   EXPECT_TRUE(hasNoRecords());
 }
@@ -80,10 +80,10 @@ TEST_F(PartialItemsTest, LeavesWhatALivingProcessWorksOn) {
     ASSERT_TRUE(partial);
     build().folder("target/" + partial.value().name());
     inChildProcess([this] {
-      partials.clearLeftovers(log);
+      partials.clearLeftovers(log, clearing);
       return 0;
     });
-    PartialItems(records.path()).clearLeftovers(log);
+    PartialItems(records.path()).clearLeftovers(log, clearing);
     EXPECT_EQ(namesIn(at("target")).size(), 1U);
     EXPECT_EQ(namesIn(records.path()).size(), 1U);
   }
@@ -95,13 +95,13 @@ TEST_F(PartialItemsTest, LeavesAnotherFolderAtTheSamePathAlone) {
   const std::string name = namesIn(at("target")).begin()->first;
   std::filesystem::rename(at("target"), at("moved"));
   build().folder("target").folder("target/" + name);
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_EQ(namesIn(at("target")).size(), 1U);
   EXPECT_EQ(log.lines, 1);
 
   std::filesystem::remove_all(at("target"));
   build().symbolicLink("target", at("moved"));
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_EQ(namesIn(at("moved")).size(), 1U);
   EXPECT_EQ(log.lines, 2);
 }
@@ -118,7 +118,7 @@ TEST_F(PartialItemsTest, LeavesNamesAloneThatAreNotItsOwn) {
   text.replace(start, text.find('\0', start) - start, "precious");
   std::ofstream(record, std::ios::binary) << text;
   std::ofstream(records / ".tavrin-0123456789abcdef.record") << "torn";
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_EQ(namesIn(at("target")).count("precious"), 1U);
   EXPECT_EQ(log.lines, 2);
 }
@@ -126,7 +126,7 @@ TEST_F(PartialItemsTest, LeavesNamesAloneThatAreNotItsOwn) {
 TEST_F(PartialItemsTest, DropsRecordsWhoseItemGotItsName) {
   leavePartialItem();
   std::filesystem::rename(at("target/" + namesIn(at("target")).begin()->first), at("target/copy"));
-  partials.clearLeftovers(log);
+  partials.clearLeftovers(log, clearing);
   EXPECT_EQ(namesIn(at("target")).count("copy"), 1U);
   EXPECT_TRUE(hasNoRecords());
   EXPECT_EQ(log.lines, 0);

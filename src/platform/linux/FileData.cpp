@@ -38,6 +38,24 @@ Status writeAll(const OpenFile& file, const char* bytes, std::size_t count, off_
   return success();
 }
 
+/// A read beside a change of the size may give zeros for what is not there any more.
+Status cutToSource(const OpenFile& source, const OpenFile& destination, off_t size) {
+  struct stat now = {};
+  if (::fstat(source.descriptor, &now) != 0) return source.entry.failure("stat", errno);
+  if (now.st_size >= size || ::ftruncate(destination.descriptor, now.st_size) == 0) {
+    return success();
+  }
+  return destination.entry.failure("set the size of", errno);
+}
+
+/// For what ends in a hole: that is one only as far as the source still goes.
+Status setSize(const OpenFile& source, const OpenFile& destination, off_t size) {
+  if (::ftruncate(destination.descriptor, size) != 0) {
+    return destination.entry.failure("set the size of", errno);
+  }
+  return cutToSource(source, destination, size);
+}
+
 }  // namespace
 
 FileData::FileData(FileOperation& operation)
@@ -70,7 +88,8 @@ Status FileData::copy(const OpenFile& source, const OpenFile& destination,
   // Files of the kernel say that they are empty and hold bytes nevertheless.
   const off_t end = status.st_size > 0 ? status.st_size : wholeFile;
   const Result<off_t> copied = copyByReading(source, destination, 0, end);
-  return copied ? success() : Status(copied.error());
+  if (!copied) return copied.error();
+  return end == wholeFile ? success() : cutToSource(source, destination, copied.value());
 }
 
 bool FileData::shareBlocks(const OpenFile& source, const OpenFile& destination,
@@ -95,17 +114,11 @@ Status FileData::copySegments(const OpenFile& source, const OpenFile& destinatio
     if (Status noted = note(source, begin - position); !noted) return noted;
     const Result<off_t> reached = copySegment(source, destination, begin, end);
     if (!reached) return reached.error();
-    if (reached.value() < end) return success();
+    if (reached.value() < end) return cutToSource(source, destination, reached.value());
     position = end;
   }
-  // A hole at the end is one only as far as the source still goes.
-  struct stat now = {};
-  if (::fstat(source.descriptor, &now) != 0) return source.entry.failure("stat", errno);
-  const off_t size = std::max(position, std::min(now.st_size, status.st_size));
-  if (::ftruncate(destination.descriptor, size) != 0) {
-    return destination.entry.failure("set the size of", errno);
-  }
-  return note(source, size - position);
+  Status sized = setSize(source, destination, status.st_size);
+  return sized ? note(source, status.st_size - position) : sized;
 }
 
 Result<off_t> FileData::copySegment(const OpenFile& source, const OpenFile& destination,

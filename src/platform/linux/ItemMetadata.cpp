@@ -83,6 +83,10 @@ Status copyAttribute(const AttributeHolder& source, const AttributeHolder& desti
   return entry.failure("set an attribute of", errno);
 }
 
+bool isAccessList(std::string_view name) {
+  return name == accessList || name == defaultList;
+}
+
 /// Gives whether there were any.
 Result<bool> copyAttributes(const AttributeHolder& source, const AttributeHolder& destination,
                             const FolderEntry& entry) {
@@ -100,9 +104,13 @@ Result<bool> copyAttributes(const AttributeHolder& source, const AttributeHolder
     if (isUnknownToFileSystem(errno)) return false;
     return entry.failure("list attributes for", errno);
   }
-  for (const char* name = names; name < names + size; name += std::strlen(name) + 1) {
-    if (Status status = copyAttribute(source, destination, name, entry); !status) {
-      return status.error();
+  // An access control list may take away the right to set the others.
+  for (const bool isForLists : {false, true}) {
+    for (const char* name = names; name < names + size; name += std::strlen(name) + 1) {
+      if (isAccessList(name) != isForLists) continue;
+      if (Status status = copyAttribute(source, destination, name, entry); !status) {
+        return status.error();
+      }
     }
   }
   return size > 0;

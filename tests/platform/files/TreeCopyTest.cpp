@@ -267,6 +267,23 @@ TEST_F(TreeCopy, DropsSetIdBitsWithAnOwnerThatCannotBeKept) {
   EXPECT_NE(status.st_uid, 0U);
 }
 
+TEST_F(TreeCopy, KeepsAttributesAndAccessListsOfReadOnlyFiles) {
+  if (::geteuid() != 0) GTEST_SKIP() << "needs the rights to become another user";
+  build().folder("open", 0777);
+  std::filesystem::permissions(scratch.path(), std::filesystem::perms(0755));
+  std::filesystem::permissions(records.path(), std::filesystem::perms(0777));
+  const int copied = asNobody([this] {
+    build().folder("open/source").file("open/source/file", "x");
+    build()
+        .accessList("open/source/file", "access", 1)
+        .attribute("open/source/file", "user.a", "1");
+    std::filesystem::permissions(at("open/source/file"), std::filesystem::perms(0444));
+    return copyItem(item("open/source"), item("open/copy"), partials) ? 0 : 1;
+  });
+  ASSERT_EQ(copied, 0);
+  EXPECT_EQ(snapshotOf(at("open/copy")), snapshotOf(at("open/source")));
+}
+
 struct MissingCall {
   const char* name;
   int number;

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/linux/CopyComparison.h"
+#include "platform/linux/FileIdentity.h"
 #include "platform/linux/FolderOpening.h"
 
 namespace tavrin {
@@ -46,7 +47,9 @@ Status RemovalWalk::run(Subtree subtree) {
   levels_.clear();
   const Status entered =
       enterOpened(std::move(subtree.folder), std::move(subtree.copy), root_.name, subtree.share);
-  return entered ? walk() : entered;
+  if (!entered) return entered;
+  if (Status walked = walk(); !walked) return walked;
+  return firstKept_ && tree_.workers == nullptr ? Status(*firstKept_) : success();
 }
 
 Status RemovalWalk::removeItem(const ItemReference& item, const ItemReference* copy) {
@@ -120,6 +123,24 @@ Status RemovalWalk::removeUnopened(const FolderEntry& folder, int cause) {
     return success();
   }
   return folder.failure("open", cause);
+}
+
+/// Enters the folder that the handle `left` is of; another one that has its name meanwhile stays.
+Status RemovalWalk::enterAgain(const FolderEntry& folder, int left) {
+  FileDescriptor opened = openFolderToEmpty(folder, tree_.rights);
+  if (!opened && errno == ENOENT) return success();
+  const auto identity = identityAt(left, "");
+  const auto found = identityAt(opened.get(), "");
+  if (!opened || !identity || !found || identity.value() != found.value()) {
+    return folder.failure("remove", EBUSY);
+  }
+  if (tree_.copyGranularity && levels_.empty()) {
+    keep(folder);
+    return success();
+  }
+  FileDescriptor copy;
+  if (!openCopy(folder, copy)) return success();
+  return enterOpened(std::move(opened), std::move(copy), folder.name(), 0);
 }
 
 /// False when the copy has no such folder, so that this one stays.
@@ -244,12 +265,12 @@ Status RemovalWalk::leave() {
   }
   const Level level = std::move(levels_.back());
   levels_.pop_back();
-  if (!level.hasKept) return removeLeft(level);
+  if (!level.hasKept) return removeLeft(level, left.value().get());
   keep(currentEntry(level.name));
   return success();
 }
 
-Status RemovalWalk::removeLeft(const Level& level) {
+Status RemovalWalk::removeLeft(const Level& level, int left) {
   const FolderEntry entry = currentEntry(level.name);
   if (::unlinkat(entry.folder(), entry.nameBytes(), AT_REMOVEDIR) == 0 || errno == ENOENT) {
     tree_.operation.addItems(1);
@@ -263,7 +284,7 @@ Status RemovalWalk::removeLeft(const Level& level) {
   if (!isNotEmpty(errno) || level.listings >= mostListings) return entry.failure("remove", errno);
   // Something came in meanwhile, or the listing passed over names while others went.
   const std::size_t depth = levels_.size();
-  if (Status entered = enter(entry, 0); !entered) return entered;
+  if (Status entered = enterAgain(entry, left); !entered) return entered;
   if (levels_.size() > depth) levels_.back().listings += level.listings;
   return success();
 }

@@ -44,7 +44,8 @@ class RemovalWalk {
   /// `tree` is borrowed.
   explicit RemovalWalk(const RemovedTree& tree) : tree_(tree) {}
 
-  /// Removes what is in `subtree.folder`, and then the folder.
+  /// Removes what is in `subtree.folder`, and then the folder. Without workers it fails with
+  /// device_or_resource_busy when something stayed that the copy does not hold.
   Status run(Subtree subtree);
 
   /// Removes an item of any kind. `copy` stands beside it when only what it holds is to go, and is
@@ -77,7 +78,8 @@ class RemovalWalk {
   Status removeEntry(const std::string& name, unsigned char type);
   Status removeUnlessFolder(const FolderEntry& entry, bool& isFolder);
   Status leave();
-  Status removeLeft(const Level& level);
+  Status removeLeft(const Level& level, int left);
+  Status enterAgain(const FolderEntry& folder, int left);
   FolderEntry currentEntry(const std::string& name) const;
   Result<bool> isHeld(const FolderEntry& entry) const;
   void keep(const FolderEntry& entry);

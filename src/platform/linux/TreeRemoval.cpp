@@ -18,34 +18,64 @@
 namespace tavrin {
 namespace {
 
-/// Removes a folder as far as several threads can. Whether it is gone is in `isRootRemoved`.
-Status removeFolder(RemovedTree tree, const ItemReference& item, const ItemReference* copy,
-                    std::atomic<bool>& isRootRemoved) {
-  FileDescriptor folder = openFolderToEmpty(FolderEntry(item), tree.rights);
-  FileDescriptor parent(::fcntl(item.parentDescriptor, F_DUPFD_CLOEXEC, 0));
-  FileDescriptor copyFolder;
-  if (copy != nullptr) copyFolder = openFolder(copy->parentDescriptor, copy->name);
-  if (!folder || !parent || (copy != nullptr && !copyFolder)) return success();
-  TreeWorkers workers(tree.operation);
-  tree.workers = &workers;
-  tree.isRootRemoved = &isRootRemoved;
-  Subtree root = {std::move(folder), std::move(copyFolder), item.path,
-                  copy != nullptr ? copy->path : std::string()};
-  root.parent = std::move(parent);
-  root.name = item.name;
-  root.isRoot = true;
-  return workers.run(std::move(root), [&tree] {
-    return [walk = std::make_shared<RemovalWalk>(tree)](Subtree subtree) {
-      return walk->run(std::move(subtree));
-    };
-  });
+FileDescriptor openAgain(const FileDescriptor& folder) {
+  return folder ? openFolder(folder.get(), ".") : FileDescriptor();
 }
 
+/// The folders of a removal, open from before it began: what stands at their names later may be
+/// something else.
+class FolderRemoval {
+ public:
+  FolderRemoval(const RemovedTree& tree, const ItemReference& item, const ItemReference* copy)
+      : tree_(tree),
+        item_(item),
+        copy_(copy),
+        folder_(openFolderToEmpty(FolderEntry(item), tree.rights)) {
+    if (copy != nullptr) copyFolder_ = openFolder(copy->parentDescriptor, copy->name);
+  }
+
+  bool isOpen() const { return folder_ && (copy_ == nullptr || copyFolder_); }
+
+  /// Removes as far as several threads can, and then what is left.
+  Status run() {
+    std::atomic<bool> isRemoved = false;
+    Status removed = runWithWorkers(isRemoved);
+    return removed && !isRemoved ? RemovalWalk(tree_).run(root(0)) : removed;
+  }
+
+ private:
+  Status runWithWorkers(std::atomic<bool>& isRemoved) {
+    TreeWorkers workers(tree_.operation);
+    RemovedTree tree = tree_;
+    tree.workers = &workers;
+    tree.isRootRemoved = &isRemoved;
+    return workers.run(root(1), [&tree] {
+      return [walk = std::make_shared<RemovalWalk>(tree)](Subtree subtree) {
+        return walk->run(std::move(subtree));
+      };
+    });
+  }
+
+  Subtree root(double share) const {
+    Subtree root = {openAgain(folder_), openAgain(copyFolder_), item_.path,
+                    copy_ != nullptr ? copy_->path : std::string()};
+    root.parent = FileDescriptor(::fcntl(item_.parentDescriptor, F_DUPFD_CLOEXEC, 0));
+    root.name = item_.name;
+    root.isRoot = true;
+    root.share = share;
+    return root;
+  }
+
+  const RemovedTree& tree_;
+  const ItemReference& item_;
+  const ItemReference* copy_;
+  FileDescriptor folder_;
+  FileDescriptor copyFolder_;
+};
+
 Status removeTree(const RemovedTree& tree, const ItemReference& item, const ItemReference* copy) {
-  std::atomic<bool> isRootRemoved = false;
-  Status removed = removeFolder(tree, item, copy, isRootRemoved);
-  if (!removed || isRootRemoved) return removed;
-  return RemovalWalk(tree).removeItem(item, copy);
+  FolderRemoval removal(tree, item, copy);
+  return removal.isOpen() ? removal.run() : RemovalWalk(tree).removeItem(item, copy);
 }
 
 }  // namespace

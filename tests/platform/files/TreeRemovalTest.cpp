@@ -2,7 +2,9 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include <atomic>
 #include <filesystem>
+#include <thread>
 
 #include "platform/linux/TreeRemoval.h"
 #include "tests/platform/files/EngineFixture.h"
@@ -45,6 +47,28 @@ TEST_F(TreeRemoval, RemovesFoldersOfManyNames) {
     for (int name = 0; name < 5000; ++name) tree.file("many/" + std::to_string(name), "");
     EXPECT_TRUE(removeItem(OpenItem(folder / "many")));
     EXPECT_TRUE(namesIn(folder.path()).empty());
+  }
+}
+
+TEST_F(TreeRemoval, LeavesAnotherItemThatGetsTheName) {
+  build().folder("tree");
+  for (int folder = 0; folder < 200; ++folder) {
+    const std::string name = "tree/" + std::to_string(folder);
+    build().folder(name).file(name + "/1", "x").file(name + "/2", "x");
+  }
+  FileOperation operation;
+  std::atomic<bool> isSwapped = false;
+  std::thread swapper([&] {
+    while (operation.items() < 100) std::this_thread::yield();
+    std::filesystem::rename(at("tree"), at("old"));
+    build().folder("tree").file("tree/precious", "kept");
+    isSwapped = true;
+  });
+  const Status removed = tavrin::removeItem(item("tree"), operation);
+  swapper.join();
+  EXPECT_TRUE(std::filesystem::exists(at("tree/precious")));
+  if (std::filesystem::exists(at("old"))) {
+    EXPECT_EQ(causeOf(removed), std::errc::device_or_resource_busy);
   }
 }
 

@@ -70,6 +70,18 @@ std::error_code renameToFreeName(int fromFolder, const std::string& from, int to
                                  : exchangeLink(fromFolder, from, toFolder, to);
 }
 
+std::error_code renameToNameOrNext(int folder, const std::string& from, std::string& name) {
+  constexpr std::size_t roomForNumber = 240;
+  constexpr int mostAttempts = 10'000;
+  std::error_code cause = renameToFreeName(folder, from, folder, name);
+  for (int number = 2; cause == std::errc::file_exists && number < mostAttempts; ++number) {
+    const std::string next = name.substr(0, roomForNumber) + " " + std::to_string(number);
+    cause = renameToFreeName(folder, from, folder, next);
+    if (!cause) name = next;
+  }
+  return cause;
+}
+
 FileDescriptor openNamelessFile(int folder, unsigned mode) {
   return FileDescriptor(::openat(folder, ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
 }

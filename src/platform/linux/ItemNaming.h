@@ -20,6 +20,10 @@ bool isRandomHiddenName(std::string_view name, std::string_view kind);
 std::error_code renameToFreeName(int fromFolder, const std::string& from, int toFolder,
                                  const std::string& to);
 
+/// Renames an item of `folder` to `name`, or where that is taken to the first free one of "name 2",
+/// "name 3" and so on; `name` is the one it got then.
+std::error_code renameToNameOrNext(int folder, const std::string& from, std::string& name);
+
 /// A new file without a name in `folder`, open for writing; nothing with errno where the file
 /// system has no such files.
 FileDescriptor openNamelessFile(int folder, unsigned mode);

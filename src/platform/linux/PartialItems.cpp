@@ -66,9 +66,8 @@ Result<std::string> readRecord(int record, const std::string& path) {
   }
 }
 
-Status returnItem(const ItemReference& item, const std::string& name) {
-  const std::error_code cause =
-      renameToFreeName(item.parentDescriptor, item.name, item.parentDescriptor, name);
+Status returnItem(const ItemReference& item, std::string name) {
+  const std::error_code cause = renameToNameOrNext(item.parentDescriptor, item.name, name);
   if (!cause || cause == std::errc::no_such_file_or_directory) return success();
   return SystemError{"give " + name + " its name again", item.path, cause};
 }

@@ -48,7 +48,7 @@ class PartialItems {
   Result<PartialItem> begin(const ItemReference& destination) const;
 
   /// A name for `item` itself, which is to be set aside under it for a while. When the process is
-  /// killed it gets its own name again, unless that is taken by then.
+  /// killed it gets its own name again, with a number behind it where that is taken by then.
   Result<PartialItem> beginSettingAside(const ItemReference& item) const;
 
   /// Removes or returns what killed processes have left. A record whose folder is not the one it

@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "foundation/PathString.h"
 #include "platform/linux/FolderEntry.h"
 #include "platform/linux/FolderOpening.h"
 #include "platform/linux/ItemNaming.h"
@@ -41,9 +42,13 @@ Status removeSource(const ItemReference& source, const ItemReference& copy,
   const ItemReference hidden = {folder, name, source.path};
   Status removed = removeCopiedItem(hidden, copy, granularity, completion);
   if (removed) return removed;
-  const std::error_code cause = renameToFreeName(folder, name, folder, source.name);
+  std::string given = source.name;
+  const std::error_code cause = renameToNameOrNext(folder, name, given);
   if (cause && cause != std::errc::no_such_file_or_directory) aside.value().keepRecord();
-  return removed;
+  if (cause || given == source.name) return removed;
+  const std::string path = appendingPathComponent(deletingLastPathComponent(source.path), given);
+  return SystemError{"keep under another name what changed during the copy", path,
+                     removed.error().code};
 }
 
 Status copyThenRemove(PartialCopy& copy, const ItemReference& source,

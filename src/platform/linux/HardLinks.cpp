@@ -21,10 +21,11 @@ std::string keptName(const struct stat& status) {
   return name.data();
 }
 
-/// Whether a copy has the state of its source now; some file systems cut times to whole seconds.
+/// Whether a copy has the state of its source now; some file systems cut times, to whole seconds at
+/// most.
 bool isSameState(const struct stat& source, const struct stat& copy) {
   return source.st_size == copy.st_size && source.st_mtim.tv_sec == copy.st_mtim.tv_sec &&
-         (copy.st_mtim.tv_nsec == 0 || copy.st_mtim.tv_nsec == source.st_mtim.tv_nsec);
+         copy.st_mtim.tv_nsec <= source.st_mtim.tv_nsec;
 }
 
 /// A file system without hard links, or an item that has all it may have, gets separate items.

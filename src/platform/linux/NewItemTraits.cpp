@@ -20,15 +20,14 @@ bool NewItemTraits::learn(int descriptor, mode_t askedFor) {
   user_ = status.st_uid;
   group_ = status.st_gid;
   triedBits_ |= askedFor;
-  // Bits that nobody asked for are those of a file system that knows no modes.
-  const bool hasOwnModes = (status.st_mode & rights & ~askedFor) != 0;
-  grantedBits_ = hasOwnModes ? 0 : (grantedBits_ & ~askedFor) | (status.st_mode & askedFor);
+  grantedBits_ = (grantedBits_ & ~askedFor) | (status.st_mode & askedFor);
+  hasOwnModes_ = hasOwnModes_ || (status.st_mode & rights & ~askedFor) != 0;
   return true;
 }
 
 MetadataInPlace NewItemTraits::inPlace(const struct stat& source, mode_t askedFor) const {
   return {source.st_uid == user_ && source.st_gid == group_,
-          (source.st_mode & modeBits) == (askedFor & grantedBits_)};
+          !hasOwnModes_ && (source.st_mode & modeBits) == (askedFor & grantedBits_)};
 }
 
 }  // namespace tavrin

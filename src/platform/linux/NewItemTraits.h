@@ -30,6 +30,8 @@ class NewItemTraits {
   mode_t neededRights_;
   mode_t triedBits_ = 0;
   mode_t grantedBits_ = 0;
+  /// The file system gives modes that nobody asked for.
+  bool hasOwnModes_ = false;
   std::optional<uid_t> user_;
   std::optional<gid_t> group_;
 };

@@ -1,7 +1,7 @@
 #include "platform/linux/TreeWorkers.h"
 
 #include <algorithm>
-#include <new>
+#include <exception>
 #include <system_error>
 #include <utility>
 
@@ -68,16 +68,21 @@ void TreeWorkers::startThread() {
   }
 }
 
+/// Whatever a walk throws must not keep the others waiting.
+Status TreeWorkers::walkGuarded(const Walk& walk, Subtree subtree) {
+  const std::string path = subtree.path;
+  try {
+    return walk(std::move(subtree));
+  } catch (const std::exception&) {
+    return SystemError{"walk", path, std::make_error_code(std::errc::not_enough_memory)};
+  }
+}
+
 void TreeWorkers::work() {
   Walk walk;
   while (std::optional<Subtree> subtree = take()) {
-    try {
-      if (!walk) walk = (*makeWalk_)();
-      finish(walk(std::move(*subtree)));
-    } catch (const std::bad_alloc&) {
-      finish(
-          SystemError{"walk", subtree->path, std::make_error_code(std::errc::not_enough_memory)});
-    }
+    if (!walk) walk = (*makeWalk_)();
+    finish(walkGuarded(walk, std::move(*subtree)));
   }
 }
 
@@ -92,7 +97,7 @@ std::optional<Subtree> TreeWorkers::take() {
   return subtree;
 }
 
-void TreeWorkers::finish(const Status& status) {
+void TreeWorkers::finish(const Status& status) noexcept {
   const std::lock_guard lock(mutex_);
   --walking_;
   if (!status) {

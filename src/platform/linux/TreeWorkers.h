@@ -70,7 +70,8 @@ class TreeWorkers {
  private:
   void work();
   std::optional<Subtree> take();
-  void finish(const Status& status);
+  void finish(const Status& status) noexcept;
+  static Status walkGuarded(const Walk& walk, Subtree subtree);
   void startThread();
 
   FileOperation& operation_;

@@ -45,7 +45,7 @@ Status RemovalWalk::run(Subtree subtree) {
   folders_ = FolderChain(std::move(subtree.path));
   copies_ = FolderChain(std::move(subtree.copyPath));
   levels_.clear();
-  const Status entered =
+  Status entered =
       enterOpened(std::move(subtree.folder), std::move(subtree.copy), root_.name, subtree.share);
   if (!entered) return entered;
   if (Status walked = walk(); !walked) return walked;

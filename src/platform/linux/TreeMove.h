@@ -15,10 +15,9 @@ class PartialItems;
 /// itself; both are as before then. Across file systems, what came into the source or changed there
 /// during the copy stays, with a number behind its name where that is taken by then (the source has
 /// a hidden name while it is removed), and the move fails with device_or_resource_busy with both
-/// standing; a
-/// source that the user may not empty, or with another file system mounted inside, is not copied. A
-/// move that is cancelled before the copy has its name fails with operation_canceled and leaves the
-/// source as it was.
+/// standing; a source that the user may not empty, or with another file system mounted inside, is
+/// not copied. A move that is cancelled before the copy has its name fails with operation_canceled
+/// and leaves the source as it was.
 Status moveItem(const ItemReference& source, const ItemReference& destination,
                 PartialItems& partials, FileOperation& operation);
 

@@ -10,15 +10,6 @@
 #include "platform/linux/FolderOpening.h"
 
 namespace tavrin {
-namespace {
-
-// So many items are copied before a thread more could win anything.
-constexpr std::uint64_t itemsBeforeHelp = 64;
-// Each subtree has a path of its own: very deep ones would cost their square.
-constexpr std::size_t longestPathToGiveAway = std::size_t{64} * 1024;
-
-}  // namespace
-
 FileDescriptor openFolderToCopy(int parent, const std::string& name, CopyPurpose purpose) {
   return purpose == CopyPurpose::Move ? openFolderOfSameMount(parent, name)
                                       : openFolder(parent, name);
@@ -49,7 +40,7 @@ Status CopyWalk::walk() {
     }
     if (!level.subfolders.isEmpty()) {
       const std::string name = level.subfolders.pop();
-      status = enterSubfolder(name, level.shareOfSubfolder);
+      status = enterSubfolder(name, level.shareOfEntry);
     } else if (!level.isListed) {
       status = copyPiece();
     } else {
@@ -66,12 +57,6 @@ bool CopyWalk::isCopyRoot(const struct stat& status) const {
 
 FolderEntry CopyWalk::destinationEntry(const std::string& name) const {
   return {destination_.current(), name, destination_.path()};
-}
-
-/// The last subfolder is not given away: this walk would have nothing left to do meanwhile.
-bool CopyWalk::mayGiveAway() const {
-  return tree_.workers.wantsSubtrees() && tree_.operation.items() > itemsBeforeHelp &&
-         !levels_.back().subfolders.isEmpty() && source_.path().size() < longestPathToGiveAway;
 }
 
 Result<FileDescriptor> CopyWalk::createFolder(const std::string& name, mode_t mode) {
@@ -103,7 +88,7 @@ Status CopyWalk::enterSubfolder(const std::string& name, double share) {
   if (!created) return created.error();
   tree_.operation.addItems(1);
   level.inPlace = newFolders_.inPlace(level.status, mode);
-  if (mayGiveAway()) {
+  if (levels_.back().mayGiveAway(tree_.workers, tree_.operation, source_)) {
     tree_.workers.give({std::move(source), std::move(created).value(), source_.path() + "/" + name,
                         destination_.path() + "/" + name, level.status, share, level.inPlace});
     return success();
@@ -122,23 +107,14 @@ Status CopyWalk::enter(FileDescriptor source, FileDescriptor destination, Level 
 }
 
 Status CopyWalk::copyPiece() {
-  const Result<bool> found = listing_.readPiece(source_.current(), source_.path());
-  if (!found) return found.error();
   Level& level = levels_.back();
-  if (!found.value()) {
-    level.isListed = true;
-    tree_.operation.addShare(std::exchange(level.shareLeft, 0));
-    return checkMayBeEmptied();
-  }
-  const std::size_t count = listing_.countInPiece();
-  if (count == 0) return success();
-  const double share = listing_.isPieceFull() ? level.shareLeft / 2 : level.shareLeft;
-  level.shareLeft -= share;
-  level.shareOfSubfolder = share / static_cast<double>(count);
+  const Result<bool> found = level.readPiece(listing_, source_, tree_.operation);
+  if (!found) return found.error();
+  if (!found.value()) return checkMayBeEmptied();
   FolderListing::Entry entry;
   while (listing_.next(entry)) {
     level.hasEntries = true;
-    if (Status copied = copyEntry(entry, level.shareOfSubfolder); !copied) return copied;
+    if (Status copied = copyEntry(entry, level.shareOfEntry); !copied) return copied;
   }
   return success();
 }

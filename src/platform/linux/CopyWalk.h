@@ -14,9 +14,9 @@
 #include "platform/linux/FolderListing.h"
 #include "platform/linux/HardLinks.h"
 #include "platform/linux/ItemCopy.h"
-#include "platform/linux/NameStack.h"
 #include "platform/linux/NewItemTraits.h"
 #include "platform/linux/TreeWorkers.h"
+#include "platform/linux/WalkLevel.h"
 
 namespace tavrin {
 
@@ -47,14 +47,9 @@ class CopyWalk {
   Status run(Subtree subtree);
 
  private:
-  struct Level {
-    std::string name;
+  struct Level : WalkLevel {
     struct stat status = {};
     MetadataInPlace inPlace;
-    NameStack subfolders;
-    double shareOfSubfolder = 0;
-    double shareLeft = 0;
-    bool isListed = false;
     bool hasEntries = false;
   };
 
@@ -66,7 +61,6 @@ class CopyWalk {
   Status checkMayBeEmptied() const;
   Status leave();
   Result<FileDescriptor> createFolder(const std::string& name, mode_t mode);
-  bool mayGiveAway() const;
   bool isCopyRoot(const struct stat& status) const;
   FolderEntry destinationEntry(const std::string& name) const;
 

@@ -17,10 +17,6 @@ namespace {
 
 /// A folder that others keep filling is given up after so many listings.
 constexpr int mostListings = 8;
-// So many items are removed before a thread more could win anything.
-constexpr std::uint64_t itemsBeforeHelp = 64;
-// Each subtree has a path of its own: very deep ones would cost their square.
-constexpr std::size_t longestPathToGiveAway = std::size_t{64} * 1024;
 
 bool isNotEmpty(int cause) {
   return cause == ENOTEMPTY || cause == EEXIST;
@@ -88,7 +84,7 @@ Status RemovalWalk::walk() {
     }
     if (!level.subfolders.isEmpty()) {
       const std::string name = level.subfolders.pop();
-      status = enter(currentEntry(name), level.shareOfSubfolder);
+      status = enter(currentEntry(name), level.shareOfEntry);
     } else if (!level.isListed) {
       status = removePiece();
     } else {
@@ -161,16 +157,12 @@ Status RemovalWalk::enter(const FolderEntry& folder, double share) {
   return enterOpened(std::move(opened), std::move(copy), folder.name(), share);
 }
 
-/// The last subfolder is not given away: this walk would have nothing left to do meanwhile.
-bool RemovalWalk::mayGiveAway() const {
-  return tree_.workers != nullptr && tree_.workers->wantsSubtrees() &&
-         tree_.operation.items() > itemsBeforeHelp && !levels_.back().subfolders.isEmpty() &&
-         folders_.path().size() < longestPathToGiveAway;
-}
-
 bool RemovalWalk::giveAway(FileDescriptor& folder, FileDescriptor& copy, const std::string& name,
                            double share) {
-  if (levels_.empty() || !mayGiveAway()) return false;
+  if (tree_.workers == nullptr || levels_.empty() ||
+      !levels_.back().mayGiveAway(*tree_.workers, tree_.operation, folders_)) {
+    return false;
+  }
   FileDescriptor parent(::fcntl(folders_.current(), F_DUPFD_CLOEXEC, 0));
   if (!parent) return false;
   Subtree subtree = {std::move(folder), std::move(copy), folders_.path() + "/" + name,
@@ -197,19 +189,9 @@ Status RemovalWalk::enterOpened(FileDescriptor folder, FileDescriptor copy, cons
 }
 
 Status RemovalWalk::removePiece() {
-  const Result<bool> found = listing_.readPiece(folders_.current(), folders_.path());
-  if (!found) return found.error();
   Level& level = levels_.back();
-  if (!found.value()) {
-    level.isListed = true;
-    tree_.operation.addShare(std::exchange(level.shareLeft, 0));
-    return success();
-  }
-  const std::size_t count = listing_.countInPiece();
-  if (count == 0) return success();
-  const double share = listing_.isPieceFull() ? level.shareLeft / 2 : level.shareLeft;
-  level.shareLeft -= share;
-  level.shareOfSubfolder = share / static_cast<double>(count);
+  const Result<bool> found = level.readPiece(listing_, folders_, tree_.operation);
+  if (!found) return found.error();
   FolderListing::Entry entry;
   std::uint64_t removed = 0;
   while (listing_.next(entry)) {
@@ -218,7 +200,7 @@ Status RemovalWalk::removePiece() {
     if (entry.type != DT_DIR) ++removed;
   }
   tree_.operation.addItems(removed);
-  tree_.operation.addShare(level.shareOfSubfolder * static_cast<double>(removed));
+  tree_.operation.addShare(level.shareOfEntry * static_cast<double>(removed));
   return success();
 }
 

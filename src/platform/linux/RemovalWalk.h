@@ -12,9 +12,9 @@
 #include "platform/linux/FolderEntry.h"
 #include "platform/linux/FolderListing.h"
 #include "platform/linux/ItemReference.h"
-#include "platform/linux/NameStack.h"
 #include "platform/linux/TreeRemoval.h"
 #include "platform/linux/TreeWorkers.h"
+#include "platform/linux/WalkLevel.h"
 
 namespace tavrin {
 
@@ -53,12 +53,7 @@ class RemovalWalk {
   Status removeItem(const ItemReference& item, const ItemReference* copy);
 
  private:
-  struct Level {
-    std::string name;
-    NameStack subfolders;
-    double shareOfSubfolder = 0;
-    double shareLeft = 0;
-    bool isListed = false;
+  struct Level : WalkLevel {
     bool hasKept = false;
     bool hasGivenAway = false;
     int listings = 1;
@@ -71,7 +66,6 @@ class RemovalWalk {
                      double share);
   Status removeUnopened(const FolderEntry& folder, int cause);
   bool openCopy(const FolderEntry& folder, FileDescriptor& copy);
-  bool mayGiveAway() const;
   bool giveAway(FileDescriptor& folder, FileDescriptor& copy, const std::string& name,
                 double share);
   Status removePiece();
